@@ -1,0 +1,6 @@
+zr_sources(ZR_APP_SOURCES app)
+if(ZR_APP_SOURCES)
+  add_executable(zr_tool ${ZR_APP_SOURCES})
+  set_target_properties(zr_tool PROPERTIES OUTPUT_NAME zr)
+  target_link_libraries(zr_tool PRIVATE zr zrhost Threads::Threads)
+endif()

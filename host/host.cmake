@@ -1,0 +1,6 @@
+zr_sources(ZR_HOST_SOURCES host)
+add_library(zrhost SHARED ${ZR_HOST_SOURCES})
+add_library(zr::zrhost ALIAS zrhost)
+target_include_directories(zrhost PUBLIC $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}> $<INSTALL_INTERFACE:include/zr>)
+target_link_libraries(zrhost PRIVATE Threads::Threads ${CMAKE_DL_LIBS})
+set_target_properties(zrhost PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 0)
