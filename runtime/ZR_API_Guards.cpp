@@ -1,0 +1,27 @@
+#include "runtime/ZR_API_Guards.h"
+
+#include <pthread.h>
+#include <time.h>
+
+#include <cstddef>
+
+static char* LowestStackAddress() {
+    pthread_attr_t attributes;
+    void* lowest = nullptr;
+    size_t size = 0;
+    if (pthread_getattr_np(pthread_self(), &attributes) != 0) return nullptr;
+    pthread_attr_getstack(&attributes, &lowest, &size);
+    pthread_attr_destroy(&attributes);
+    return static_cast<char*>(lowest);
+}
+
+long ZR_NativeStackLeft() {
+    static thread_local char* lowest = LowestStackAddress();
+    return static_cast<char*>(__builtin_frame_address(0)) - lowest;
+}
+
+double ZR_MonotonicSeconds() {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
