@@ -118,13 +118,14 @@ struct ZR_Executer {
     ZR_VStructureCache captionIndex;   // of the virtual structure last tokenised with
 
     // Life
-    void Create();   // commands, separators, empty tables
-    void Dispose();  // contexts are the caller's to delete first
+    void Create();        // commands, separators, empty tables
+    void CreateTables();  // empty tables over raw memory, no host call: Create without commands and separators
+    void Dispose();       // contexts are the caller's to delete first
 
     // The command table. InitCommands is defined in runtime/, for it asks the handlers; its steps are:
     // CreateCommands, then for N from 1 to 2000 ReadHostCommand and the probe, then FinishCommands.
     void InitCommands();
-    void CreateCommands();                              // 2022 empty rows over raw memory
+    void CreateCommands();                              // 2022 empty rows; the old ones are disposed
     ZR_Executer_Command* ReadHostCommand(long number);  // row [1..2000] from the host; null = the host has no such name
     void FinishCommands();                              // isEnglish, rows 2001 to 2022, search keys, index
     void DeinitCommands();                              // the rows and commands only

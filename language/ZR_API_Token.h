@@ -7,7 +7,7 @@
 
 #include "core/ZR_API_Date.h"
 #include "core/ZR_API_Handle.h"
-#include "core/ZR_API_PictureRecord.h"
+#include "core/ZR_API_Picture.h"
 #include "core/ZR_API_Text.h"
 #include "plugin/ZR_HostInterface.h"
 

@@ -45,14 +45,17 @@ struct ZR_Executer_VirtualStructure {
 
 // The captions of one list by hash, kept beside a list and made anew when any record has changed.
 struct ZR_VStructureIndex {
-    ZR_Handle slots;        // open addressing; owned
+    ZR_Handle slots;        // open addressing; owned; no storage = the list is scanned
     char* data;             // of the list it was made from; null = not made
     long count;             // of the list
-    unsigned long edition;  // of the records
+    unsigned long edition;  // of all records
 };
 struct ZR_VStructureCache {
-    std::atomic<char> busy;  // 1 = a thread uses the index; others scan or make their own
+    std::atomic<char> busy;  // 1 = a thread uses the index; others make their own
     ZR_VStructureIndex index;
+
+    void Create();
+    void Dispose();
 };
 
 // Lookups: the first match from the first record; borrowed until the list grows; null = none. A null or empty list is
