@@ -121,6 +121,18 @@ struct PointerBlock {     // 42 bytes, behind a variable of kind 23
     uint64_t fName;  // variables: the host's number of the name
 };
 
+struct PA_Rect {  // 8 bytes; pixels, y down
+    int16_t fTop, fLeft, fBottom, fRight;
+};
+
+struct PA_PluginProperties {  // 80 bytes; parameter 2 of an area's event
+    PA_Rect fArea;            // the area in its window
+    void* fContext;           // a CGContextRef to draw on; borrowed; null = none
+    PA_Unistring fName;       // the name given to the area; borrowed
+    int32_t fWindow;          // window number; 0 = none
+    uint8_t fReserved[40];
+};
+
 struct ZR_StartupRecord {   // parameter of FourDPackex with selector -1 or -200
     uint16_t fHostVersion;  // in; 0x1800 reads "18.0"
     uint8_t fReserved1[18];
@@ -150,6 +162,7 @@ static_assert(offsetof(PA_ArrayValue, fData) == 4 && offsetof(PA_ArrayValue, fCu
 static_assert(offsetof(PointerBlock, fField) == 2 && offsetof(PointerBlock, fTable) == 4, "published offsets");
 static_assert(offsetof(ZR_StartupRecord, fInterfaceVersion) == 20 && offsetof(ZR_StartupRecord, fCall4D) == 24,
               "published offsets");
+static_assert(sizeof(PA_Rect) == 8 && sizeof(PA_PluginProperties) == 80, "published sizes");
 static_assert(sizeof(void*) == 8 && sizeof(long) == 8, "64-bit, LP64");
 
 // Numbers ----------------------------------------------------------------------------------------------------------
