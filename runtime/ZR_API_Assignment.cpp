@@ -18,7 +18,8 @@ static bool ScopeOfToken(ZR_ExecutionContext* context, long tokenKind, Scope* sc
     switch (tokenKind) {
         case ZREXE_TOKEN_LOCAL:
             frame = context->GetCurrentStack();
-            if (!frame->index && (frame->index = static_cast<ZR_VariableIndex*>(malloc(sizeof(ZR_VariableIndex)))))
+            if (!frame->index && frame->localVariables.count > 8 &&
+                (frame->index = static_cast<ZR_VariableIndex*>(malloc(sizeof(ZR_VariableIndex)))))
                 frame->index->Create();
             *scope = {&frame->localVariables, frame->index, ZR_SCOPE_LOCAL};
             return true;

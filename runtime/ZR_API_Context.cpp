@@ -144,8 +144,10 @@ ZR_Handle* ZR_ExecutionContext::GetVStructure(ZR_Handle* explicitList) {
 
 // One pass over a line; true = the run goes on at frame->currentLine.
 static bool RunLine(ZR_ExecutionContext* context, ZR_Executer_Stack* frame) {
-    context->result.Dispose();
-    context->result.Create(ZREXE_TOKEN_OTHER, nullptr);
+    if (context->result.kind != ZREXE_TOKEN_OTHER) {  // an empty token needs no renewal
+        context->result.Dispose();
+        context->result.Create(ZREXE_TOKEN_OTHER, nullptr);
+    }
     context->CallDebuggerIfNecessary();
     context->traceRequested = false;
     if (!context->abortRequested) frame->currentLine = context->ExecuteMethodLine(frame->currentLine, &context->result);
