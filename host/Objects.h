@@ -15,19 +15,10 @@
 #include <utility>
 #include <vector>
 
+#include "host/SpinLock.h"
 #include "host/Value.h"
 
 namespace zrhost {
-
-// A lock of one byte for the few steps of an access.
-class SpinLock {
-  public:
-    void lock();
-    void unlock() { flag_.store(false, std::memory_order_release); }
-
-  private:
-    std::atomic<bool> flag_{false};
-};
 
 using Property = std::pair<std::u16string, Value>;
 

@@ -7,6 +7,7 @@
 #define ZRHOST_VALUE_H
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -80,7 +81,7 @@ class Value {
     Value(Ref<Collection> collection) : kind_(eVK_Collection), data_(std::move(collection)) {}
     Value(Ref<Picture> picture) : kind_(eVK_Picture), data_(std::move(picture)) {}
     Value(Bytes blob) : kind_(eVK_Blob), data_(std::move(blob)) {}
-    Value(const PointerBlock& pointer) : kind_(eVK_Pointer), data_(pointer) {}
+    Value(const PointerBlock& pointer) : kind_(eVK_Pointer), data_(std::make_shared<const PointerBlock>(pointer)) {}
     Value(const void*) = delete;  // no pointer becomes a Boolean by accident
     static Value Null() { return Value(eVK_Null); }
     static Value Longint(int32_t number) { return Value(eVK_Longint, number); }
@@ -117,7 +118,7 @@ class Value {
 
     PA_VariableKind kind_ = eVK_Undefined;
     std::variant<std::monostate, double, int32_t, Date, std::u16string, Ref<Object>, Ref<Collection>, Ref<Picture>,
-                 Bytes, Elements, PointerBlock>
+                 Bytes, Elements, std::shared_ptr<const PointerBlock>>
         data_;
 };
 
