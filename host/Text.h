@@ -31,6 +31,9 @@ struct Match {
 };
 // The first match at or after start. Exact compares units; else as CompareText. The wildcard has no meaning here.
 Match FindText(std::u16string_view text, std::u16string_view pattern, size_t start, bool exact);
+// All matches, none overlapping, at most max: one walk, where a loop of FindText would weigh the text again each time.
+std::vector<Match> FindAllText(std::u16string_view text, std::u16string_view pattern, size_t start, bool exact,
+                               size_t max = std::u16string_view::npos);
 
 std::u16string Upper(std::u16string_view text, bool keepAccents);  // accents are stripped unless kept
 std::u16string Lower(std::u16string_view text, bool keepAccents);
