@@ -76,7 +76,7 @@ class VariableTable {
     };
     Entry* find(std::u16string_view name) const;
 
-    mutable std::recursive_mutex mutex_;
+    mutable std::mutex mutex_;
     mutable std::vector<std::unique_ptr<Entry>> entries_;
     std::unordered_map<std::u16string, Entry*> byName_;
 };
