@@ -74,11 +74,12 @@ long LiveObjects();                                  // objects and collections 
 Value DeepCopy(const Value& value);  // objects and collections with all they hold; a cyclic reference becomes Null
 // Same kinds and contents. Text without regard to case and accents unless exact. Objects: same properties in any order.
 bool DeepEqual(const Value& left, const Value& right, bool exact);
-// The order in which the language sorts mixed values: Null and undefined last, then by kind, then by value.
+// The order in which the language sorts mixed values: Null, Booleans, texts, numbers, objects, collections, dates;
+// within a kind by value; undefined last.
 int CompareValues(const Value& left, const Value& right, bool exact = false);
 
 // JSON. Dates are written as "yyyy-mm-dd" and times as numbers of seconds; a BLOB as base64, a picture as
-// "[object Picture]", a pointer as its name, an undefined value as null inside collections and left out of objects;
+// "[object Picture]", a pointer as "->name", an undefined value as null inside collections and left out of objects;
 // a cyclic reference is written as null. Numbers have the shortest text that reads back the same.
 std::string WriteJson(const Value& value, bool pretty = false);  // UTF-8
 // Nothing if the text is no JSON, or is nested deeper than 1000. Texts stay texts, dates among them.

@@ -34,6 +34,7 @@ class Picture {
 Ref<Picture> NewPicture(std::vector<Representation> representations);  // null reference if there is none
 Ref<Picture> NewPicture(std::span<const uint8_t> encoded);             // typed by its bytes; null if empty
 Picture* CheckedPicture(const void* address);                          // null = none lives there
+long LivePictures();                                                   // for leak tests
 
 struct PictureKind {
     const char* type;       // "image/png"

@@ -328,7 +328,7 @@ bool CopyRecord(const PA_Variable& source, PA_Variable* target) {
                 break;
             }
             case eVK_Undefined:
-                if (source.fType != eVK_Undefined && source.fFiller == 1) made = source;  // a table or field
+                if (source.fFiller == 1) made = source;  // a table or field
                 break;
             default: made = source; break;  // no storage
         }
