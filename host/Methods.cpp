@@ -134,7 +134,7 @@ class LineReader {
             } while (take(u";"));
             if (!take(u")")) return ZR_ERR_UNKNOWN_METHOD;
         }
-        return word_(word, called, arguments, result);
+        return callOrVariable(word, called, arguments, result);
     }
     struct Argument {
         Value value;
@@ -156,7 +156,7 @@ class LineReader {
         return primary(&out->value);
     }
     // A word: a variable, true or false, a method, a command.
-    int16_t word_(std::u16string_view word, bool called, std::vector<Argument>& arguments, Value* result) {
+    int16_t callOrVariable(std::u16string_view word, bool called, std::vector<Argument>& arguments, Value* result) {
         VariableTable& table = host_.currentProcess().variables;
         if (!called && table.kind(word) != eVK_Undefined) {
             *result = table.value(word);

@@ -7,8 +7,8 @@
 
 // An entry of the line while its brackets are taken out: a token, or the value of a bracket.
 struct Entry {
-    ZR_Executer_Token* token;   // null = a bracket's value
-    int position;               // of the token
+    ZR_Executer_Token* token;  // null = a bracket's value
+    int position;              // of the token
     int temp;
 };
 
@@ -21,7 +21,7 @@ struct Preparing {
 
 static Entry* At(Preparing* work, long index) { return reinterpret_cast<Entry*>(work->entries.GetMemPtr(index)); }
 
-static long KindAt(Preparing* work, long index) {   // of a token; 0 = a value or nothing
+static long KindAt(Preparing* work, long index) {  // of a token; 0 = a value or nothing
     Entry* entry = At(work, index);
     return entry && entry->token ? static_cast<long>(entry->token->kind) : 0;
 }
@@ -55,7 +55,7 @@ static void PrepareIndex(Preparing* work, long at, long last, long openKind, lon
 
 struct IndexPlace {
     int block;
-    int next;   // entry behind the closing bracket, later the item
+    int next;  // entry behind the closing bracket, later the item
 };
 
 static IndexPlace PrepareIndexBlock(Preparing* work, long at, long last, long openKind, long closeKind) {
@@ -119,7 +119,7 @@ static bool SetItem(Entry* entry, ZR_PreparedItem* item) {
     }
 }
 
-static bool IsSkipped(long kind) {   // by the fold, with no effect
+static bool IsSkipped(long kind) {  // by the fold, with no effect
     return kind == ZREXE_TOKEN_COMMENT || kind == ZREXE_TOKEN_ELEMENT_OPEN || kind == ZREXE_TOKEN_ELEMENT_CLOSE ||
            kind == ZREXE_TOKEN_INDEX_OPEN || kind == ZREXE_TOKEN_INDEX_CLOSE;
 }
@@ -148,7 +148,7 @@ static void PrepareRun(Preparing* work, long first, long last, int* firstItem, i
         ZR_PreparedItem* slot = reinterpret_cast<ZR_PreparedItem*>(run.AppendGetPtr());
         if (slot) *slot = item;
         else work->failed = true;
-        if (work->line->items.count > 2000) work->failed = true;   // nested indexes multiply
+        if (work->line->items.count > 2000) work->failed = true;  // nested indexes multiply
     }
     *firstItem = static_cast<int>(work->line->items.count);
     for (long i = 1; i <= run.count && !work->failed; ++i) {
@@ -202,7 +202,7 @@ static int PrepareParameters(Preparing* work, long open, long close, long id, bo
     for (long from = open + 1; from < close && !work->failed; ++count) {
         long separator = FindEntry(work, ZREXE_TOKEN_SEMICOLON, from, close - 1);
         long to = separator ? separator - 1 : close - 1;
-        if (to < from) work->failed = true;   // an empty parameter
+        if (to < from) work->failed = true;  // an empty parameter
         bool evaluated = !raw && (id == 0 || zrExe_GetDoExecuteParameters(id, count + 1, nullptr));
         if (work->failed) return count;
         if (evaluated) {
@@ -328,7 +328,8 @@ static bool PrepareBrackets(Preparing* work, long keyword) {
         }
         if (work->line->tempCount > ZR_MAX_TEMPS) work->failed = true;
     }
-    if (FindEntry(work, ZREXE_TOKEN_OPEN, 1, work->entries.count) || FindEntry(work, ZREXE_TOKEN_CLOSE, 1, work->entries.count))
+    if (FindEntry(work, ZREXE_TOKEN_OPEN, 1, work->entries.count) ||
+        FindEntry(work, ZREXE_TOKEN_CLOSE, 1, work->entries.count))
         work->failed = true;
     return false;
 }
@@ -386,8 +387,9 @@ static bool CollectEntries(Preparing* work, const ZR_MethodLine* line) {
         Entry* entry = Append<Entry>(work, &work->entries);
         if (!entry) return false;
         *entry = {work->tokens + (i - 1), i, 0};
+        if (entry->token->kind == ZREXE_TOKEN_ARROW) return false;  // pointers are made and followed first
     }
-    return line->last - line->first < 400;   // longer lines stay plain
+    return line->last - line->first < 400;  // longer lines stay plain
 }
 
 ZR_PreparedLine* zrExe_PrepareLine(ZR_ExecutionMethod* method, const ZR_MethodLine* row) {

@@ -11,7 +11,7 @@
 // A value on its way through a line. Text is borrowed, or owned in storage; a single unit needs no storage at all.
 // A kind without a quick fold is kept as a token on the heap.
 struct QuickValue {
-    int kind;   // token kind; 999 = none
+    int kind;  // token kind; 999 = none
     bool owned;
     unsigned short unit[2];
     union {
@@ -20,7 +20,7 @@ struct QuickValue {
         ZR_Executer_Token* token;
     };
     const ZR_Text* text;
-    ZR_Text storage;   // only alive while owned, or as a view of unit
+    ZR_Text storage;  // only alive while owned, or as a view of unit
 };
 
 static inline void Clear(QuickValue* value) {
@@ -57,7 +57,8 @@ static void BorrowUnit(QuickValue* value, unsigned short unit) {
     value->storage.Create();
     value->storage.data = reinterpret_cast<char*>(value->unit);
     value->storage.count = 1;
-    value->storage.capacity = 2;   // and a terminator
+    value->storage.capacity = 2;  // and a terminator
+    value->storage.allocatedBytes = 4;
     Borrow(value, &value->storage);
 }
 
@@ -147,7 +148,8 @@ static void FoldBoolean(QuickValue* value, bool flag, long logic) {
 }
 
 static bool FoldTime(QuickValue* value, long seconds, unsigned short formula) {
-    if ((value->kind != ZREXE_TOKEN_OTHER && value->kind != ZREXE_TOKEN_TIME) || (formula == '/' && !seconds)) return false;
+    if ((value->kind != ZREXE_TOKEN_OTHER && value->kind != ZREXE_TOKEN_TIME) || (formula == '/' && !seconds))
+        return false;
     if (value->kind == ZREXE_TOKEN_OTHER) value->integer = 0;
     value->integer = zrExe_FoldTime(nullptr, value->integer, seconds, formula);
     value->kind = ZREXE_TOKEN_TIME;
@@ -187,7 +189,8 @@ static bool EvaluateIndex(Run* run, int block, long* index) {
 }
 
 // The item behind a variable and its index, -1 = not quick.
-static int FoldVariable(Run* run, ZR_PreparedItem* item, int at, QuickValue* value, unsigned short formula, long logic) {
+static int FoldVariable(Run* run, ZR_PreparedItem* item, int at, QuickValue* value, unsigned short formula,
+                        long logic) {
     ZR_Executer_Variable* variable = Find(run, item->token, &item->hint);
     if (!variable) return -1;
     long index;
@@ -246,7 +249,7 @@ static bool FoldRun(Run* run, int first, int count, QuickValue* value) {
             case kItemTemp: good = FoldTemp(value, &run->temps[item->integer], formula, logic); break;
             case kItemFormula: formula = static_cast<unsigned short>(item->integer); break;
             case kItemLogic: logic = item->integer; break;
-            case kItemTruth:   // a command without brackets takes the place of the value
+            case kItemTruth:  // a command without brackets takes the place of the value
                 good = IsAllowed(run->context, item->command);
                 if (value->kind == ZREXE_TOKEN_OTHER || value->kind == ZREXE_TOKEN_BOOLEAN) {
                     value->kind = ZREXE_TOKEN_BOOLEAN;
@@ -293,7 +296,8 @@ static bool CompareValues(QuickValue* left, QuickValue* right, int comparison, b
             return equality;
         case ZREXE_TOKEN_STRING:
             if (!equality) return false;
-            *truth = const_cast<ZR_Text*>(left->text)->EqualWithWildChar(right->text) == (comparison == ZREXE_COMPARISON_EQUAL);
+            *truth = const_cast<ZR_Text*>(left->text)->EqualWithWildChar(right->text) ==
+                     (comparison == ZREXE_COMPARISON_EQUAL);
             return true;
         default: return false;
     }
@@ -351,7 +355,8 @@ static bool MoveFromToken(ZR_Executer_Token* token, QuickValue* value) {
         value->text = &value->storage;
     } else if (token->kind == ZREXE_TOKEN_NUMBER) {
         value->number = token->value.real;
-    } else if (token->kind == ZREXE_TOKEN_BOOLEAN || token->kind == ZREXE_TOKEN_TIME || token->kind == ZREXE_TOKEN_DATE) {
+    } else if (token->kind == ZREXE_TOKEN_BOOLEAN || token->kind == ZREXE_TOKEN_TIME ||
+               token->kind == ZREXE_TOKEN_DATE) {
         value->integer = token->value.integer;
     } else if (token->kind != ZREXE_TOKEN_OTHER) {
         value->token = static_cast<ZR_Executer_Token*>(malloc(sizeof *token));
@@ -417,7 +422,8 @@ static Outcome RunDeclaration(Run* run, ZR_PreparedStep* step) {
     if (!IsAllowed(run->context, step->id)) return kHandOver;
     ZR_EXE_VariableKind kind = zrExe_DeclaredKind(step->id);
     for (int i = 0; i < step->parameterCount; ++i)
-        run->context->SetVariable(zrExe_TokenAt(&run->method->tokens, ParameterOf(run, step, i)->firstToken), nullptr, kind, 0);
+        run->context->SetVariable(zrExe_TokenAt(&run->method->tokens, ParameterOf(run, step, i)->firstToken), nullptr,
+                                  kind, 0);
     return kDone;
 }
 
@@ -439,7 +445,7 @@ static constexpr struct {
     int token;
     ZR_EXE_VariableKind variable;
 } kQuickKinds[] = {
-    {ZREXE_TOKEN_NUMBER, ZR_EXE_Real}, {ZREXE_TOKEN_STRING, ZR_EXE_Text},    {ZREXE_TOKEN_DATE, ZR_EXE_Date},
+    {ZREXE_TOKEN_NUMBER, ZR_EXE_Real}, {ZREXE_TOKEN_STRING, ZR_EXE_Text},     {ZREXE_TOKEN_DATE, ZR_EXE_Date},
     {ZREXE_TOKEN_TIME, ZR_EXE_Time},   {ZREXE_TOKEN_BOOLEAN, ZR_EXE_Boolean},
 };
 
@@ -454,12 +460,13 @@ static bool StoreValue(ZR_Executer_Variable* variable, QuickValue* value) {
     switch (value->kind) {
         case ZREXE_TOKEN_NUMBER:
             if (variable->kind == ZR_EXE_Real) variable->value.real = value->number;
-            else if (variable->kind == ZR_EXE_Longint || variable->kind == ZR_EXE_Integer) variable->SetNumber(value->number);
+            else if (variable->kind == ZR_EXE_Longint || variable->kind == ZR_EXE_Integer)
+                variable->SetNumber(value->number);
             else return false;
             return true;
         case ZREXE_TOKEN_STRING:
             if (variable->kind != ZR_EXE_Text) return false;
-            if (value->owned) {   // handed over
+            if (value->owned) {  // handed over
                 variable->text.Dispose();
                 variable->text = value->storage;
                 value->owned = false;
@@ -496,7 +503,7 @@ static void TakeQuickResult(ZR_Executer_Stack* frame, QuickValue* answer) {
     name.count = name.capacity = 1;
     ZR_Executer_Variable* variable = frame->GetLocalVariable(&name);
     if (!variable) return;
-    if (variable->kind == ZR_EXE_Text) {   // the frame ends: its text is handed over
+    if (variable->kind == ZR_EXE_Text) {  // the frame ends: its text is handed over
         answer->kind = ZREXE_TOKEN_STRING;
         answer->storage = variable->text;
         answer->owned = true;
@@ -541,7 +548,7 @@ static Outcome RunStep(Run* run, ZR_PreparedStep* step, QuickValue* value) {
     switch (step->kind) {
         case kStepGroup:
             if (!Evaluate(run, step->block, value)) return kHandOver;
-            Own(value);   // what comes next may change the variable
+            Own(value);  // what comes next may change the variable
             return kDone;
         case kStepCommand: return RunCommand(run, step, value);
         case kStepMethod: return RunMethod(run, step, value);
@@ -604,7 +611,7 @@ static Outcome RunAssignment(Run* run) {
         good = target != nullptr;
     }
     if (good && !target) {
-        Own(&value);   // a new variable may move the one that the text is borrowed from
+        Own(&value);  // a new variable may move the one that the text is borrowed from
         target = run->context->SetVariable(line->target, nullptr, VariableKindOf(value.kind), 0);
         good = target != nullptr;
     }
@@ -617,7 +624,7 @@ static Outcome RunExpression(Run* run, ZR_Executer_Token* result) {
     if (run->line->blocks[0] < 0) return kDone;
     ZR_PreparedBlock* block = reinterpret_cast<ZR_PreparedBlock*>(run->line->blocksList.data) + run->line->blocks[0];
     ZR_PreparedItem* item = reinterpret_cast<ZR_PreparedItem*>(run->line->items.data) + block->first;
-    if (block->count == 1 && !block->comparison && item->kind == kItemTemp) {   // a call
+    if (block->count == 1 && !block->comparison && item->kind == kItemTemp) {  // a call
         QuickValue* temp = &run->temps[item->integer];
         if (temp->kind == ZREXE_TOKEN_OTHER) return kDone;
         if (temp->kind == ZREXE_TOKEN_NULL) return kHandOver;
@@ -636,7 +643,13 @@ static Outcome RunExpression(Run* run, ZR_Executer_Token* result) {
     return good ? kDone : kHandOver;
 }
 
-enum : long { kEnterBlockState = 1, kIfFalseState = 2, kForFinishedState = 4, kUntilFalseState = 6, kWhileFalseState = 7 };
+enum : long {
+    kEnterBlockState = 1,
+    kIfFalseState = 2,
+    kForFinishedState = 4,
+    kUntilFalseState = 6,
+    kWhileFalseState = 7
+};
 
 static Outcome RunCondition(Run* run, long* state, ZR_Executer_Token* result) {
     if (!IsAllowed(run->context, run->line->keyword)) return kHandOver;
@@ -650,7 +663,8 @@ static Outcome RunCondition(Run* run, long* state, ZR_Executer_Token* result) {
     result->kind = ZREXE_TOKEN_BOOLEAN;
     result->value.integer = truth;
     if (run->line->keyword == static_cast<short>(ZR_CMD_IF)) *state = truth ? kEnterBlockState : kIfFalseState;
-    else if (!truth) *state = run->line->keyword == static_cast<short>(ZR_CMD_WHILE) ? kWhileFalseState : kUntilFalseState;
+    else if (!truth)
+        *state = run->line->keyword == static_cast<short>(ZR_CMD_WHILE) ? kWhileFalseState : kUntilFalseState;
     return kDone;
 }
 
@@ -696,7 +710,7 @@ static Outcome RunStatement(Run* run, long* state, ZR_Executer_Token* result) {
 // The outermost finished step that begins at a position; null = none.
 static ZR_PreparedStep* FinishedStepAt(ZR_PreparedLine* line, int done, int position) {
     ZR_PreparedStep* steps = reinterpret_cast<ZR_PreparedStep*>(line->steps.data);
-    for (int i = done - 1; i >= 0; --i)   // outer brackets close later
+    for (int i = done - 1; i >= 0; --i)  // outer brackets close later
         if (steps[i].firstToken == position) return steps + i;
     return nullptr;
 }
@@ -728,7 +742,7 @@ static void HandOver(Run* run, const ZR_MethodLine* row, int done, long* state, 
     zrExe_DisposeTokens(&tokens);
 }
 
-static const int kMaxHandedOver = 16;   // then the line stays plain
+static const int kMaxHandedOver = 16;  // then the line stays plain
 
 bool zrExe_RunPrepared(ZR_ExecutionContext* context, ZR_Executer_Stack* frame, ZR_ExecutionMethod* method,
                        ZR_MethodLine* row, long* state, ZR_Executer_Token* result) {
@@ -736,7 +750,7 @@ bool zrExe_RunPrepared(ZR_ExecutionContext* context, ZR_Executer_Stack* frame, Z
     ZR_PreparedLine* line = row->prepared;
     if (!line || line->plain) return false;
     QuickValue temps[ZR_MAX_TEMPS];
-    ZR_ExecutionMethod self = *method;   // its tokens stay; the record itself may move while a call runs
+    ZR_ExecutionMethod self = *method;  // its tokens stay; the record itself may move while a call runs
     Run run = {context, frame, &self, line, temps};
     ZR_MethodLine lineRow = *row;
     ZR_PreparedStep* steps = reinterpret_cast<ZR_PreparedStep*>(line->steps.data);
