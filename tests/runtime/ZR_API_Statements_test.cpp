@@ -154,8 +154,10 @@ TEST(For, Nested_InnerLoopStartsAnewAtEveryPassOfTheOuter) {
 }
 
 TEST(For, Recursion_EachFrameHasLoopsOfItsOwn) {
-    Program program = {{"Down", "$n:=$1\nFor ($i;1;2)\nlog:=trail+String($n)\nIf ($n>1)\nDown($n-1)\nEnd If\nEnd For"}};
-    EXPECT_EQ(program.Run("trail:=\"\"\nDown(2)")["trail"], "text 211211");
+    Program program = {{"Down", "$n:=$1\nFor ($i;1;2)\ntrail:=trail+String($n)\nIf ($n>1)\nDown($n-1)\nEnd If\nEnd For"}};
+    Outcome outcome = program.Run("trail:=\"\"\nDown(2)");
+  EXPECT_EQ(outcome.error(), "");
+  EXPECT_EQ(outcome["trail"], "text 211211");
 }
 
 TEST(For, Errors_ExactWords) {
