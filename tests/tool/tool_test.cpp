@@ -463,6 +463,15 @@ TEST(RunError, OutputBeforeAnError_IsPrinted) {
     EXPECT_EQ(run.out, "1\n2\n3\n");
 }
 
+TEST(RunError, ComparisonWithNothingOnItsLeft_IsToldFirst) {
+    TempFolder folder;
+    const ToolResult run = RunMethod(folder, "ALERT(\"a\")\n$x:= =1\nALERT(\"b\")\n", {"--json"});
+    ExpectEnd(run, kCodeFailed);
+    auto json = Json(run);
+    EXPECT_EQ(json["output"], nlohmann::json::array({"a"}));
+    EXPECT_EQ(ErrorText(json).rfind("Empty comparison (left)", 0), 0U) << ErrorText(json);
+}
+
 TEST(RunError, CommandThatIsNotThreadSafe_IsRefusedOnAPreemptiveProcess) {
     TempFolder folder;
     const std::string code = "ALERT(\"a\")\n$t:=Get text from pasteboard\nALERT(\"b\")\n";
@@ -506,8 +515,9 @@ TEST(RunJson, Variables_StandInTheOrderOfTheirLists) {
     TempFolder folder;
     const ToolResult run = RunMethod(folder, "p:=1\n$b:=2\n<>i:=3\n$a:=4\nq:=5\n", {"--json"});
     ExpectEnd(run, kOk);
+    auto json = Json(run);
     std::vector<std::string> names;
-    for (const auto& variable : Json(run)["variables"]) names.push_back(variable.value("name", ""));
+    for (const auto& variable : json["variables"]) names.push_back(variable.value("name", ""));
     EXPECT_EQ(names, (std::vector<std::string>{"$b", "$a", "p", "q", "<>i"}));
 }
 
