@@ -60,7 +60,7 @@ struct ZR_Picture {
     void Create(const ZR_Picture* source);          // objects retained, bytes copied; null = empty
     void Create(void** hostPicture);                // a PA_Picture, stays the caller's; null = empty
     void SetNativePicture(const ZR_Handle* bytes);  // nativeData becomes a copy; null = empty
-    void To4DVariable(PA_Variable* variable);       // kind 10 from nativeData; without bytes an empty picture
+    void To4DVariable(PA_Variable* variable);       // of kind 10, or owning nothing; without bytes an empty picture
     PA_Picture To4DPicture();                       // from nativeData; handed over; null = empty
     void Dispose();
 };

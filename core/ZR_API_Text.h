@@ -16,7 +16,13 @@ struct ZR_Text : ZR_Handle {
     char* cString;           // made by GetCStringPtr; a snapshot; owned; null = none
 
     // Creation; a null or empty source gives the empty text --------------------------------------------------------
-    void Create();
+    void Create() {
+        count = capacity = allocatedBytes = growStep = 0;
+        data = cString = nullptr;
+        elementSize = 2;
+        unistring = {};
+        unistringValid = false;
+    }
     void Create(const unsigned short* units);  // zero-terminated
     void Create(const __CFString* string);     // stays the caller's
     void Create(void* string);                 // the same, an NSString

@@ -21,8 +21,9 @@ long ZR_GetOKVariable();  // OK as the host evaluates it; 0 unless a longint
 
 long ZR_FloatToLong(float value);  // half and more goes up; a negative value is only truncated
 long ZR_DoubleToLong(double value);
-long ZR_FloatToLongAlwaysRoundUp(float value);     // any fraction above 0 goes up
-long ZR_DoubleToLongManageOverflow(double value);  // a number of 32 bits, signed or not, as 32 bits signed
+long ZR_FloatToLongAlwaysRoundUp(float value);  // any fraction above 0 goes up
+// A number of 32 bits, signed or not, as 32 bits signed. Larger ones keep their low 32 bits, beyond 64 bits 0.
+long ZR_DoubleToLongManageOverflow(double value);
 
 // Numbers ----------------------------------------------------------------------------------------------------------
 

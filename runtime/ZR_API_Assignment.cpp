@@ -18,7 +18,8 @@ static bool ScopeOfToken(ZR_ExecutionContext* context, long tokenKind, Scope* sc
     switch (tokenKind) {
         case ZREXE_TOKEN_LOCAL:
             frame = context->GetCurrentStack();
-            if (!frame->index && (frame->index = static_cast<ZR_VariableIndex*>(malloc(sizeof(ZR_VariableIndex)))))
+            if (!frame->index && frame->localVariables.count > 8 &&
+                (frame->index = static_cast<ZR_VariableIndex*>(malloc(sizeof(ZR_VariableIndex)))))
                 frame->index->Create();
             *scope = {&frame->localVariables, frame->index, ZR_SCOPE_LOCAL};
             return true;
@@ -68,10 +69,17 @@ static constexpr struct {
     ZREXE_TOKEN token;
     ZR_EXE_VariableKind variable;
 } kNewKinds[] = {
-    {ZREXE_TOKEN_NUMBER, ZR_EXE_Real},     {ZREXE_TOKEN_STRING, ZR_EXE_Text},     {ZREXE_TOKEN_DATE, ZR_EXE_Date},
-    {ZREXE_TOKEN_TIME, ZR_EXE_Time},       {ZREXE_TOKEN_BOOLEAN, ZR_EXE_Boolean}, {ZREXE_TOKEN_POINTER, ZR_EXE_Pointer},
-    {ZREXE_TOKEN_LONGINT, ZR_EXE_Longint}, {ZREXE_TOKEN_BLOB, ZR_EXE_Blob},       {ZREXE_TOKEN_PICTURE, ZR_EXE_Picture},
-    {ZREXE_TOKEN_OBJECT, ZR_EXE_Object},   {ZREXE_TOKEN_COLLECTION, ZR_EXE_Collection},
+    {ZREXE_TOKEN_NUMBER, ZR_EXE_Real},
+    {ZREXE_TOKEN_STRING, ZR_EXE_Text},
+    {ZREXE_TOKEN_DATE, ZR_EXE_Date},
+    {ZREXE_TOKEN_TIME, ZR_EXE_Time},
+    {ZREXE_TOKEN_BOOLEAN, ZR_EXE_Boolean},
+    {ZREXE_TOKEN_POINTER, ZR_EXE_Pointer},
+    {ZREXE_TOKEN_LONGINT, ZR_EXE_Longint},
+    {ZREXE_TOKEN_BLOB, ZR_EXE_Blob},
+    {ZREXE_TOKEN_PICTURE, ZR_EXE_Picture},
+    {ZREXE_TOKEN_OBJECT, ZR_EXE_Object},
+    {ZREXE_TOKEN_COLLECTION, ZR_EXE_Collection},
     {ZREXE_TOKEN_NULL, ZR_EXE_Null},
 };
 

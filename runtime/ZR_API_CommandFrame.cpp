@@ -8,7 +8,7 @@
 // Parameters -------------------------------------------------------------------------------------------------------
 
 // Commands that work on a variable or field itself; listed parameters reach them as tokens.
-static constexpr short kNothingEvaluated[] = {1,   2,   3,   4,   26,  27,  28,  36,  42,  47,  48,  49,  66,  68, 226,
+static constexpr short kNothingEvaluated[] = {1,   2,   3,   4,   26,  27,  28,  36,  42,  47,  48,  49,  66,  68,  226,
                                               229, 260, 262, 274, 315, 339, 340, 349, 365, 493, 644, 718, 899, 1050};
 static constexpr short kAllButFirst[] = {218, 219, 220, 221, 222, 223, 224, 227, 228, 279, 280, 606, 30004};
 static constexpr short kAllButSecond[] = {678, 682, 692};
@@ -127,11 +127,12 @@ typedef void (ZR_ExecutionContext::*Handler)(ZR_Handle*, long, ZR_Executer_Token
 
 struct HandlerRow {
     int first, last;
-    Handler handler;   // null = the range without a result
+    Handler handler;  // null = the range without a result
     bool probed;
 };
 
-#define ZR_ROW(first, last, name) {first, last, &ZR_ExecutionContext::Execute4DCommand_##name, true}
+#define ZR_ROW(first, last, name) \
+    { first, last, &ZR_ExecutionContext::Execute4DCommand_##name, true }
 static constexpr HandlerRow kHandlers[] = {
     ZR_ROW(1, 20, 0001_0020),
     ZR_ROW(21, 40, 0021_0040),
@@ -247,7 +248,8 @@ void zrExe_CallMethod(ZR_ExecutionContext* context, long reference, ZR_Handle* p
 static ZR_ExecutionMethod* FindMethod(ZR_ExecutionContext* context, ZR_Text* name) {
     ZR_ExecutionMethod* method = context->GetMethodPtrByName(name);
     if (method || !context->methodSource) return method;
-    return context->methodSource(context, name, context->methodSourceData) ? context->GetMethodPtrByName(name) : nullptr;
+    return context->methodSource(context, name, context->methodSourceData) ? context->GetMethodPtrByName(name)
+                                                                           : nullptr;
 }
 
 void ZR_ExecutionContext::ExecuteTokenizedBlock4DMethod(ZR_Text* name, ZR_Handle* parameters,

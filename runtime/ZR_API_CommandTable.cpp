@@ -6,13 +6,17 @@
 template <size_t N>
 static constexpr bool RowsAscendWithin(const ZR_CommandRow (&rows)[N], int first, int last) {
     for (size_t i = 0; i < N; ++i)
-        if (rows[i].number < first || rows[i].number > last || (i && rows[i].number <= rows[i - 1].number)) return false;
+        if (rows[i].number < first || rows[i].number > last || (i && rows[i].number <= rows[i - 1].number))
+            return false;
     return true;
 }
 
-#define FORWARD(number, forms) {number, Forms(forms), zrExe_ForwardKeepingValue}
-#define FORWARD_NO_VALUE(number, forms) {number, Forms(forms), zrExe_ForwardWithoutValue}
-#define FORWARD_OK(number, forms) {number, Forms(forms), zrExe_ForwardKeepingValueThenOK}
+#define FORWARD(number, forms) \
+    { number, Forms(forms), zrExe_ForwardKeepingValue }
+#define FORWARD_NO_VALUE(number, forms) \
+    { number, Forms(forms), zrExe_ForwardWithoutValue }
+#define FORWARD_OK(number, forms) \
+    { number, Forms(forms), zrExe_ForwardKeepingValueThenOK }
 
 static constexpr ZR_CommandRow kRows_0001_0020[] = {
     {1, Forms("(V)"), zrExe_SumOfArray},
@@ -31,8 +35,12 @@ static constexpr ZR_CommandRow kRows_0001_0020[] = {
     FORWARD(20, "(N)"),
 };
 static constexpr ZR_CommandRow kRows_0021_0040[] = {
-    FORWARD(21, "(N)"),  FORWARD(22, "(N)"),       FORWARD(23, "(D)"),
-    FORWARD(24, "(D)"),  FORWARD(25, "(D)"),       FORWARD(33, "()|(O)"),
+    FORWARD(21, "(N)"),
+    FORWARD(22, "(N)"),
+    FORWARD(23, "(D)"),
+    FORWARD(24, "(D)"),
+    FORWARD(25, "(D)"),
+    FORWARD(33, "()|(O)"),
     {34, Forms("(B)"), zrExe_Not},
 };
 static constexpr ZR_CommandRow kRows_0041_0060[] = {
@@ -57,12 +65,8 @@ static constexpr ZR_CommandRow kRows_0101_0120[] = {
     FORWARD(114, "(D)"),
 };
 static constexpr ZR_CommandRow kRows_0141_0160[] = {
-    FORWARD(143, "(T)|(T,N)"),
-    FORWARD_NO_VALUE(144, "(T)"),
-    {151, Forms("()"), zrExe_Beep},
-    {157, Forms("()"), zrExe_Trace},
-    {158, Forms("()"), zrExe_NoTrace},
-    FORWARD_NO_VALUE(159, "(T)"),
+    FORWARD(143, "(T)|(T,N)"),       FORWARD_NO_VALUE(144, "(T)"),      {151, Forms("()"), zrExe_Beep},
+    {157, Forms("()"), zrExe_Trace}, {158, Forms("()"), zrExe_NoTrace}, FORWARD_NO_VALUE(159, "(T)"),
 };
 static constexpr ZR_CommandRow kRows_0161_0180[] = {
     {162, Forms("(T)|(T,T)|(T,T,T)"), zrExe_ForwardWithoutValueThenOK},
@@ -77,8 +81,10 @@ static constexpr ZR_CommandRow kRows_0181_0200[] = {
     FORWARD(182, "()"),
 };
 static constexpr ZR_CommandRow kRows_0201_0220[] = {
-    {214, Forms("()"), zrExe_True},         {215, Forms("()"), zrExe_False},
-    {218, Forms("(V,L)"), zrExe_DeclareArray}, {219, Forms("(V,L)"), zrExe_DeclareArray},
+    {214, Forms("()"), zrExe_True},
+    {215, Forms("()"), zrExe_False},
+    {218, Forms("(V,L)"), zrExe_DeclareArray},
+    {219, Forms("(V,L)"), zrExe_DeclareArray},
     {220, Forms("(V,L)"), zrExe_DeclareArray},
 };
 static constexpr ZR_CommandRow kRows_0221_0240[] = {
@@ -145,9 +151,18 @@ static constexpr ZR_CommandRow kRows_0441_0460[] = {
     FORWARD(460, "(V)"),
 };
 static constexpr ZR_CommandRow kRows_0481_0500[] = {
-    FORWARD(483, "()"), FORWARD(484, "()"),      FORWARD(485, "()|(N)|(O)|(N,O)"), FORWARD(486, "()"),
-    FORWARD(487, "()|(N)"), FORWARD(489, "()"),  FORWARD(490, "()"),               FORWARD(491, "()"),
-    FORWARD(492, "()|(O)"), FORWARD(493, "()|(O)|(V)|(V,O)"), FORWARD(494, "()"),  FORWARD(495, "()"),
+    FORWARD(483, "()"),
+    FORWARD(484, "()"),
+    FORWARD(485, "()|(N)|(O)|(N,O)"),
+    FORWARD(486, "()"),
+    FORWARD(487, "()|(N)"),
+    FORWARD(489, "()"),
+    FORWARD(490, "()"),
+    FORWARD(491, "()"),
+    FORWARD(492, "()|(O)"),
+    FORWARD(493, "()|(O)|(V)|(V,O)"),
+    FORWARD(494, "()"),
+    FORWARD(495, "()"),
 };
 static constexpr ZR_CommandRow kRows_0501_0600[] = {
     FORWARD(523, "(T)"),
@@ -212,8 +227,8 @@ static constexpr struct {
 
 static bool FormsFit(ZR_CommandCall* call, const ZR_CommandForms& forms) {
     if (forms.formCount == 0) {  // any list: the check only answers the probe
-        bool fits = call->context->Execute4DCommandCheckParam(call->parameters, nullptr, call->Count(), call->wrongCount,
-                                                              call->wrongType);
+        bool fits = call->context->Execute4DCommandCheckParam(call->parameters, nullptr, call->Count(),
+                                                              call->wrongCount, call->wrongType);
         *call->wrongCount = *call->wrongType = false;
         return fits;
     }
@@ -248,12 +263,12 @@ void zrExe_RunRow(ZR_CommandCall* call, const ZR_CommandRow* rows, size_t count,
 
 // Ranges -----------------------------------------------------------------------------------------------------------
 
-#define ZR_RANGE(name, first, last, unknown)                                                                          \
-    static_assert(RowsAscendWithin(kRows_##name, first, last), "row out of order or out of range");                   \
-    void ZR_ExecutionContext::Execute4DCommand_##name(ZR_Handle* parameters, long id, ZR_Executer_Token* answer,      \
-                                                      bool* notSupported, bool* wrongCount, bool* wrongType) {        \
-        ZR_CommandCall call = {this, parameters, id, answer, notSupported, wrongCount, wrongType};                    \
-        zrExe_RunRow(&call, kRows_##name, sizeof kRows_##name / sizeof *kRows_##name, unknown);                       \
+#define ZR_RANGE(name, first, last, unknown)                                                                     \
+    static_assert(RowsAscendWithin(kRows_##name, first, last), "row out of order or out of range");              \
+    void ZR_ExecutionContext::Execute4DCommand_##name(ZR_Handle* parameters, long id, ZR_Executer_Token* answer, \
+                                                      bool* notSupported, bool* wrongCount, bool* wrongType) {   \
+        ZR_CommandCall call = {this, parameters, id, answer, notSupported, wrongCount, wrongType};               \
+        zrExe_RunRow(&call, kRows_##name, sizeof kRows_##name / sizeof *kRows_##name, unknown);                  \
     }
 ZR_RANGE(0001_0020, 1, 20, kUnknownIsReported)
 ZR_RANGE(0021_0040, 21, 40, kUnknownIsReported)
@@ -271,7 +286,7 @@ ZR_RANGE(0261_0280, 261, 280, kUnknownIsReported)
 ZR_RANGE(0281_0300, 281, 300, kUnknownIsReported)
 ZR_RANGE(0301_0320, 301, 320, kUnknownIsReported)
 ZR_RANGE(0321_0340, 321, 340, kUnknownIsReported)
-ZR_RANGE(0341_0360, 341, 360, kUnknownIsSilent)   // Required: five ranges pass an unknown number without a word
+ZR_RANGE(0341_0360, 341, 360, kUnknownIsSilent)  // Required: five ranges pass an unknown number without a word
 ZR_RANGE(0361_0380, 361, 380, kUnknownIsSilent)
 ZR_RANGE(0381_0400, 381, 400, kUnknownIsSilent)
 ZR_RANGE(0441_0460, 441, 460, kUnknownIsSilent)

@@ -11,7 +11,7 @@ struct ZR_CommandCall {
     ZR_ExecutionContext* context;
     ZR_Handle* parameters;
     long id;
-    ZR_Executer_Token* result;   // null in the range that returns nothing
+    ZR_Executer_Token* result;  // null in the range that returns nothing
     bool* notSupported;
     bool* wrongCount;
     bool* wrongType;
@@ -19,7 +19,9 @@ struct ZR_CommandCall {
     ZR_Executer_Token* Parameter(long index) { return zrExe_TokenAt(parameters, index); }
     double Number(long index) { return Parameter(index)->GetNumber(); }
     long Count() { return parameters->count; }
-    ZR_Executer_Variable* Variable(long index) { return context->GetVariableFromToken(Parameter(index), /*create*/ false); }
+    ZR_Executer_Variable* Variable(long index) {
+        return context->GetVariableFromToken(Parameter(index), /*create*/ false);
+    }
 };
 
 typedef void (*ZR_CommandAction)(ZR_CommandCall* call);
@@ -30,7 +32,7 @@ struct ZR_CommandForms {
     static constexpr int kMaxForms = 8, kMaxSigns = 5;
     short kinds[kMaxForms][kMaxSigns] = {};
     signed char counts[kMaxForms] = {};
-    int formCount = 0;   // 0 = any list
+    int formCount = 0;  // 0 = any list
 };
 
 constexpr short ZR_KindOfSign(char sign) {
@@ -41,9 +43,9 @@ constexpr short ZR_KindOfSign(char sign) {
         case 'H': return ZREXE_TOKEN_TIME;
         case 'B': return ZREXE_TOKEN_BOOLEAN;
         case 'O': return ZREXE_TOKEN_FORMULA;
-        case 'V': return ZREXE_TOKEN_RESERVED;   // kind 27: any variable token
-        case 'L': return ZREXE_TOKEN_LONGINT;    // kind 29 or 6
-        case 'X': return 0;                      // any token
+        case 'V': return ZREXE_TOKEN_RESERVED;  // kind 27: any variable token
+        case 'L': return ZREXE_TOKEN_LONGINT;   // kind 29 or 6
+        case 'X': return 0;                     // any token
         case 'b': return ZREXE_TOKEN_BLOB;
         case 'I': return ZREXE_TOKEN_PICTURE;
         case 'F': return ZREXE_TOKEN_FIELD;
@@ -68,8 +70,8 @@ consteval ZR_CommandForms Forms(const char* text) {
 inline constexpr ZR_CommandForms kAnyList = {};
 
 enum ZR_RowKind : char {
-    kChecked = 0,   // the forms decide
-    kOwnCheck = 1   // the action has an order of checks of its own and does nothing before the first
+    kChecked = 0,  // the forms decide
+    kOwnCheck = 1  // the action has an order of checks of its own and does nothing before the first
 };
 
 struct ZR_CommandRow {

@@ -12,9 +12,9 @@ static constexpr struct {
     short command;
     ZR_EXE_VariableKind kind;
 } kArrayDeclarations[] = {
-    {218, ZR_EXE_ArrayText},    {219, ZR_EXE_ArrayReal}, {220, ZR_EXE_ArrayInteger}, {221, ZR_EXE_ArrayLongint},
-    {222, ZR_EXE_ArrayText},    {223, ZR_EXE_ArrayBoolean}, {224, ZR_EXE_ArrayDate}, {279, ZR_EXE_ArrayPicture},
-    {280, ZR_EXE_ArrayPointer},
+    {218, ZR_EXE_ArrayText},    {219, ZR_EXE_ArrayReal},    {220, ZR_EXE_ArrayInteger},
+    {221, ZR_EXE_ArrayLongint}, {222, ZR_EXE_ArrayText},    {223, ZR_EXE_ArrayBoolean},
+    {224, ZR_EXE_ArrayDate},    {279, ZR_EXE_ArrayPicture}, {280, ZR_EXE_ArrayPointer},
 };
 
 // 218 to 224, 279, 280 (V,L): makes the array if need be and sets its length; another kind stays as it is.

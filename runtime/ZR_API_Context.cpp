@@ -2,9 +2,9 @@
 
 #include <cstring>
 
+#include "core/ZR_API_BLOBArray.h"
 #include "language/ZR_API_TokenList.h"
 #include "language/ZR_API_VirtualStructure.h"
-#include "core/ZR_API_BLOBArray.h"
 #include "plugin/ZR_API_Bridge.h"
 #include "plugin/ZR_API_Numbers.h"
 #include "runtime/ZR_API_Guards.h"
@@ -144,8 +144,10 @@ ZR_Handle* ZR_ExecutionContext::GetVStructure(ZR_Handle* explicitList) {
 
 // One pass over a line; true = the run goes on at frame->currentLine.
 static bool RunLine(ZR_ExecutionContext* context, ZR_Executer_Stack* frame) {
-    context->result.Dispose();
-    context->result.Create(ZREXE_TOKEN_OTHER, nullptr);
+    if (context->result.kind != ZREXE_TOKEN_OTHER) {  // an empty token needs no renewal
+        context->result.Dispose();
+        context->result.Create(ZREXE_TOKEN_OTHER, nullptr);
+    }
     context->CallDebuggerIfNecessary();
     context->traceRequested = false;
     if (!context->abortRequested) frame->currentLine = context->ExecuteMethodLine(frame->currentLine, &context->result);
@@ -300,7 +302,8 @@ static void SetAllowedOfRange(ZR_Handle* list, bool allowed) {
 static void SetAllowedOfArray(ZR_ExecutionContext* context, PA_Variable* ids, bool allowed) {
     long count = PA_GetArrayNbElements(ids);
     for (long i = 1; i <= count; ++i) {
-        ZR_AllowedCommand* record = context->Search4DCommandForExecution(ZR_DoubleToLongManageOverflow(ZR_GetNumInArray(ids, i)));
+        ZR_AllowedCommand* record =
+            context->Search4DCommandForExecution(ZR_DoubleToLongManageOverflow(ZR_GetNumInArray(ids, i)));
         if (record) record->allowed = allowed;
     }
 }

@@ -35,29 +35,29 @@ struct ZR_ErrorCall {
 
 struct ZR_ExecutionContext {
     long reference;
-    long lastError;             // 0 = none; numbers in ZR_API_Errors.h
-    long lastErrorLine;         // of the frame that was current
-    long lastErrorMethod;       // its method reference
-    long nextMethodReference;   // from 1, never reused
-    ZR_Handle methods;          // of ZR_ExecutionMethod, in load order
+    long lastError;            // 0 = none; numbers in ZR_API_Errors.h
+    long lastErrorLine;        // of the frame that was current
+    long lastErrorMethod;      // its method reference
+    long nextMethodReference;  // from 1, never reused
+    ZR_Handle methods;         // of ZR_ExecutionMethod, in load order
     ZR_Handle processVariables;
     ZR_Handle interprocessVariables;
-    ZR_Handle methods4D;        // of ZR_Executer_4DMethod
+    ZR_Handle methods4D;  // of ZR_Executer_4DMethod
     ZR_Handle virtualStructure;
     long nextVirtualReference;
-    ZR_Handle stacks;           // of ZR_Executer_Stack*, outermost first; borrowed
+    ZR_Handle stacks;  // of ZR_Executer_Stack*, outermost first; borrowed
     ZR_Handle sets;
     ZR_Handle allowedCommands;  // of ZR_AllowedCommand
     ZR_Text lastErrorText;      // grows by every SetError
     bool probeMode;             // only in the registry's scratch context
     bool probeSupported;
     bool useVirtualStructure;
-    ZR_Executer_Token result;   // of the line last run
-    ZR_TextArray queryTexts;    // kept for queries that the host builds over several calls
+    ZR_Executer_Token result;  // of the line last run
+    ZR_TextArray queryTexts;   // kept for queries that the host builds over several calls
     ZR_ContextCallback callback;
     void* callbackData;
     ZR_Executer_Stack rootStack;  // of a method started from outside; its locals outlive a run
-    bool preemptive;            // of the process that made the context
+    bool preemptive;              // of the process that made the context
     bool traceRequested;
     bool traceEnabled;
     bool breakAtStart;
@@ -70,29 +70,29 @@ struct ZR_ExecutionContext {
     void* debuggerWindow;
     // What the guards and the indexes need.
     ZR_VariableIndex processIndex, interprocessIndex;
-    ZR_Handle allowedIndex;     // of int: record of command N in allowedCommands, [1..], 0 = none
+    ZR_Handle allowedIndex;  // of int: record of command N in allowedCommands, [1..], 0 = none
     ZR_MethodSource methodSource;
     void* methodSourceData;
-    double deadline;            // monotonic seconds, 0 = none
-    long stackReserve;          // bytes of native stack that a call must leave
-    long maxCalls;              // 0 = as deep as the native stack allows
-    long linesUntilClock;       // lines until the deadline is looked at again
-    ZR_Handle errorCalls;       // of ZR_ErrorCall: where every active call stood at the last SetError, innermost first
-    bool plainOnly;             // run every line in its plain form, for comparing with the prepared one
+    double deadline;       // monotonic seconds, 0 = none
+    long stackReserve;     // bytes of native stack that a call must leave
+    long maxCalls;         // 0 = as deep as the native stack allows
+    long linesUntilClock;  // lines until the deadline is looked at again
+    ZR_Handle errorCalls;  // of ZR_ErrorCall: where every active call stood at the last SetError, innermost first
+    bool plainOnly;        // run every line in its plain form, for comparing with the prepared one
 
     void Create(long reference, ZR_Handle* commands);  // null commands = an empty allowed list
     void Dispose();
 
     // Methods and frames ----------------------------------------------------------------------------------------
-    void DeleteAllMethods();     // the caller makes a new list
+    void DeleteAllMethods();  // the caller makes a new list
     void CreateMethod(ZR_Text* name, ZR_Handle* blob);
-    ZR_ExecutionMethod* GetMethodPtrByName(ZR_Text* name);     // the host's comparison, so @ is a wildcard; null = none
+    ZR_ExecutionMethod* GetMethodPtrByName(ZR_Text* name);  // the host's comparison, so @ is a wildcard; null = none
     ZR_ExecutionMethod* GetMethodPtrByReference(long reference);
     bool DeleteMethodByID(long reference);
     ZR_Executer_Stack* GetCurrentStack();
-    ZR_Executer_Stack* GetStack(long index);   // below 1 = rootStack; null outside
-    ZR_Handle* GetVStructure(ZR_Handle* explicitList);   // null = none in use
-    void ExecuteMethod(ZR_Executer_Stack* frame, long startLine);   // below 1 = the whole method, else that one line
+    ZR_Executer_Stack* GetStack(long index);                       // below 1 = rootStack; null outside
+    ZR_Handle* GetVStructure(ZR_Handle* explicitList);             // null = none in use
+    void ExecuteMethod(ZR_Executer_Stack* frame, long startLine);  // below 1 = the whole method, else that one line
 
     // Errors and OK ---------------------------------------------------------------------------------------------
     void SetError(long number, long piece);
@@ -117,7 +117,7 @@ struct ZR_ExecutionContext {
     bool Set4DVariable(ZR_Text* name);
 
     // Statements ------------------------------------------------------------------------------------------------
-    long ExecuteMethodLine(long line, ZR_Executer_Token* result);   // the next line, 0 past the end
+    long ExecuteMethodLine(long line, ZR_Executer_Token* result);  // the next line, 0 past the end
     void HandleCaseOf(ZR_ExecutionMethod* method, ZR_Executer_Stack* frame, long* nextLine, long* state);
     void ExecuteHandleToPointers(ZR_ExecutionMethod* method, ZR_Handle* tokens);
     void ExecuteMethodLineSub(long* state, ZR_Handle* tokens);
@@ -127,7 +127,7 @@ struct ZR_ExecutionContext {
     void ExecuteHandleRepeatUntil(ZR_Handle* tokens, long* state);
     void ExecuteHandleFor(ZR_Executer_Stack* frame, ZR_Handle* tokens, long* state);
     void ExecuteAssignment(ZR_Handle* left, ZR_Executer_Token* value);
-    ZR_Executer_Token GetAssignmentTokenFromObject(ZR_Handle* left);   // handed over
+    ZR_Executer_Token GetAssignmentTokenFromObject(ZR_Handle* left);  // handed over
     void SetField(short table, short field, ZR_Executer_Token* value);
 
     // Expressions -----------------------------------------------------------------------------------------------
@@ -145,7 +145,8 @@ struct ZR_ExecutionContext {
     void ExecuteTokenizedBlockCollection(void* collection, ZR_Executer_Token* value);
     void ExecuteTokenizedBlockPointer(ZR_Executer_Token* pointer, ZR_Executer_Token* value);
     void ExecuteTokenizedBlock4DCommand(long id, ZR_Executer_Token* value, unsigned short formula);
-    void ExecuteTokenizedBlockField(long table, long field, ZR_Executer_Token* value, unsigned short formula, long logic);
+    void ExecuteTokenizedBlockField(long table, long field, ZR_Executer_Token* value, unsigned short formula,
+                                    long logic);
     void ExecuteTokenizedBlockMember(ZR_Text* name, ZR_Executer_Token* value);
     void ExecuteTokenizedBlockMemberFunction(ZR_Text* name, ZR_Handle* parameters, ZR_Executer_Token* value);
 
@@ -155,25 +156,28 @@ struct ZR_ExecutionContext {
                                     bool* wrongType);
     void ExecuteParameters(ZR_Handle* parameters, long id);
     void ExecuteTokenizedBlock4DMethod(ZR_Text* name, ZR_Handle* parameters, ZR_Executer_Token* result);
-    ZR_AllowedCommand* Search4DCommandForExecution(long id);   // null = no record
+    ZR_AllowedCommand* Search4DCommandForExecution(long id);  // null = no record
     void GetAllowedCommands(PA_Variable* ids);
     void SetAllowedCommands(PA_Variable* ids, ZR_EXE_SetAllowed mode);
     bool ExecuteGenericCommand(long id, ZR_Text* methodName, ZR_Handle* parameters, ZR_Executer_Token* result);
     bool ExecuteGenericObjectMemberFunction(ZR_Text* name, ZR_Handle* parameters, ZR_Executer_Token* object);
 
     // One handler for each range of numbers; the tables behind them stand in ZR_API_CommandTable.cpp.
-#define ZR_HANDLER(range)                                                                                   \
+#define ZR_HANDLER(range)                                                                                        \
     void Execute4DCommand_##range(ZR_Handle* parameters, long id, ZR_Executer_Token* result, bool* notSupported, \
                                   bool* wrongCount, bool* wrongType);
-    ZR_HANDLER(0001_0020) ZR_HANDLER(0021_0040) ZR_HANDLER(0041_0060) ZR_HANDLER(0061_0080) ZR_HANDLER(0081_0100)
-    ZR_HANDLER(0101_0120) ZR_HANDLER(0141_0160) ZR_HANDLER(0161_0180) ZR_HANDLER(0181_0200) ZR_HANDLER(0201_0220)
-    ZR_HANDLER(0221_0240) ZR_HANDLER(0241_0260) ZR_HANDLER(0261_0280) ZR_HANDLER(0281_0300) ZR_HANDLER(0301_0320)
-    ZR_HANDLER(0321_0340) ZR_HANDLER(0341_0360) ZR_HANDLER(0361_0380) ZR_HANDLER(0381_0400) ZR_HANDLER(0441_0460)
-    ZR_HANDLER(0481_0500) ZR_HANDLER(0501_0600) ZR_HANDLER(0601_0699) ZR_HANDLER(0701_0799) ZR_HANDLER(0881_0900)
-    ZR_HANDLER(0901_0920) ZR_HANDLER(0951_1000) ZR_HANDLER(1001_2000) ZR_HANDLER(30000) ZR_HANDLER(40000)
+    ZR_HANDLER(0001_0020)
+    ZR_HANDLER(0021_0040) ZR_HANDLER(0041_0060) ZR_HANDLER(0061_0080) ZR_HANDLER(0081_0100) ZR_HANDLER(0101_0120)
+        ZR_HANDLER(0141_0160) ZR_HANDLER(0161_0180) ZR_HANDLER(0181_0200) ZR_HANDLER(0201_0220) ZR_HANDLER(0221_0240)
+            ZR_HANDLER(0241_0260) ZR_HANDLER(0261_0280) ZR_HANDLER(0281_0300) ZR_HANDLER(0301_0320)
+                ZR_HANDLER(0321_0340) ZR_HANDLER(0341_0360) ZR_HANDLER(0361_0380) ZR_HANDLER(0381_0400)
+                    ZR_HANDLER(0441_0460) ZR_HANDLER(0481_0500) ZR_HANDLER(0501_0600) ZR_HANDLER(0601_0699)
+                        ZR_HANDLER(0701_0799) ZR_HANDLER(0881_0900) ZR_HANDLER(0901_0920) ZR_HANDLER(0951_1000)
+                            ZR_HANDLER(1001_2000) ZR_HANDLER(30000) ZR_HANDLER(40000)
 #undef ZR_HANDLER
-    void Execute4DCommand_0121_0140(ZR_Handle* parameters, long id, bool* notSupported, bool* wrongCount,
-                                    bool* wrongType);   // no command of this range returns a value
+                                void Execute4DCommand_0121_0140(
+                                    ZR_Handle* parameters, long id, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);  // no command of this range returns a value
 
     // Debugger --------------------------------------------------------------------------------------------------
     void CallDebuggerIfNecessary();
@@ -182,8 +186,8 @@ struct ZR_ExecutionContext {
     void DebuggerReset();
 
     // Guards ----------------------------------------------------------------------------------------------------
-    bool CheckDepth();      // false and error -61 if a further call would not fit
-    bool CheckDeadline();   // false and error -62 if the time is up
+    bool CheckDepth();     // false and error -61 if a further call would not fit
+    bool CheckDeadline();  // false and error -62 if the time is up
 };
 
 // A call from outside: rootStack is made anew when the method is another one than last time.
@@ -191,7 +195,7 @@ void zrExe_RunMethod(ZR_ExecutionContext* context, ZR_ExecutionMethod* method, l
 
 bool zrExe_GetDoExecuteParameters(long id, long index, ZR_Handle* parameterTokens);
 bool zrExe_GetVariablePointer(ZR_Text* name, ZR_Executer_Token* token);
-long zrExe_GetColor(ZR_Text* text);   // 0xRRGGBB
-void ZR_ExecuteCode(ZR_Text* code);   // through the host, line by line
+long zrExe_GetColor(ZR_Text* text);  // 0xRRGGBB
+void ZR_ExecuteCode(ZR_Text* code);  // through the host, line by line
 
 #endif

@@ -37,8 +37,8 @@ static bool OpenDialog(ZR_ExecutionContext* context) {
     const ZR_Rect& where = context->debuggerRect;
     PA_Rect bounds = {static_cast<short>(where.left), static_cast<short>(where.top), static_cast<short>(where.right),
                       static_cast<short>(where.bottom)};
-    context->debuggerDialog =
-        PA_OpenDialog(nullptr, form.GetUniCharPtr(), context->debuggerTitle.GetUniCharPtr(), 1, bounds, /*centred*/ true);
+    context->debuggerDialog = PA_OpenDialog(nullptr, form.GetUniCharPtr(), context->debuggerTitle.GetUniCharPtr(), 1,
+                                            bounds, /*centred*/ true);
     form.Dispose();
     if (!context->debuggerDialog) return false;
     context->debuggerWindow = reinterpret_cast<void*>(PA_Dial4DWindowFromDial4D(Dialog(context)));

@@ -11,7 +11,8 @@ struct ZR_ErrorWords {
     const char* third;   // after the second insertion
 };
 
-inline constexpr ZR_ErrorWords kErrorComparisonCount = {-1, "Comparison with more than two values is not allowed", 0, 0};
+inline constexpr ZR_ErrorWords kErrorComparisonCount = {-1, "Comparison with more than two values is not allowed", 0,
+                                                        0};
 inline constexpr ZR_ErrorWords kErrorDivisionByZero = {-2, "Division by zero", 0, 0};
 inline constexpr ZR_ErrorWords kErrorNothingToAssignTo = {-3, "Syntax Error: Could not make assignment!", 0, 0};
 inline constexpr ZR_ErrorWords kErrorNotAssignable = {-4, "No variable/field to assign", 0, 0};
@@ -24,8 +25,8 @@ inline constexpr ZR_ErrorWords kErrorPointerToVariable = {-9, "Pointer to an inv
 inline constexpr ZR_ErrorWords kErrorInvalidType = {-10, "Syntax error: Invalid type", 0, 0};
 inline constexpr ZR_ErrorWords kErrorNoObjectRef = {-10, "Syntax error: No Object Ref", 0, 0};
 inline constexpr ZR_ErrorWords kErrorVariableType = {-10, "Variable \"", "\" has incorrect type!", 0};
-inline constexpr ZR_ErrorWords kErrorFindInArray = {
-    -10, "Find in array does not work with this type. Variable \"", "\".", 0};
+inline constexpr ZR_ErrorWords kErrorFindInArray = {-10, "Find in array does not work with this type. Variable \"",
+                                                    "\".", 0};
 inline constexpr ZR_ErrorWords kErrorFirstParameterType = {-10, "Invalid type in Parameter 1", 0, 0};
 inline constexpr ZR_ErrorWords kErrorVariableNotFound = {-11, "Variable \"", "\" not found!", 0};
 inline constexpr ZR_ErrorWords kErrorNoPointer = {-12, "The Variable \"", "\" is no pointer!", 0};
@@ -59,10 +60,10 @@ inline constexpr ZR_ErrorWords kErrorFormula = {-32, "Formula not supported!", 0
 inline constexpr ZR_ErrorWords kErrorArrayAccess = {-34, "Array access error", 0, 0};
 inline constexpr ZR_ErrorWords kErrorArrayIndex = {-35, "Array index must be a number", 0, 0};
 inline constexpr ZR_ErrorWords kErrorStringIndex = {-35, "String index must be a number", 0, 0};
-inline constexpr ZR_ErrorWords kErrorArrayBounds = {
-    -36, "Array access \"", "\" not possible. Index: ", " Array size: "};
-inline constexpr ZR_ErrorWords kErrorStringBounds = {
-    -36, "String access \"", "\" not possible. Index: ", " String size: "};
+inline constexpr ZR_ErrorWords kErrorArrayBounds = {-36, "Array access \"",
+                                                    "\" not possible. Index: ", " Array size: "};
+inline constexpr ZR_ErrorWords kErrorStringBounds = {-36, "String access \"",
+                                                     "\" not possible. Index: ", " String size: "};
 inline constexpr ZR_ErrorWords kErrorWriteBack = {-37, "The Variable \"", "\" could not set. Wrong type.", 0};
 inline constexpr ZR_ErrorWords kErrorUnknownField = {-38, "Unknown Field: Table: ", ", Field: ", ""};
 inline constexpr ZR_ErrorWords kErrorFieldType = {-38, "Field has incorrect type: Table: ", ", Field: ", ""};

@@ -39,7 +39,8 @@ void ZR_ExecutionContext::ExecuteTokenizedBlock(ZR_Executer_Token* value, ZR_Han
         EvaluateSide(this, tokens, split + 1, tokens->count, kErrorEmptyRight, &right);
         // Required: the kinds are compared even if the right side failed, so its words are followed by those of -25.
         if (left.kind != right.kind) Fail(kErrorComparisonType);
-        else value->SetBoolean(ExecuteTokenizedComparison(&left, &right, zrExe_TokenAt(tokens, split)->GetComparison()));
+        else
+            value->SetBoolean(ExecuteTokenizedComparison(&left, &right, zrExe_TokenAt(tokens, split)->GetComparison()));
     }
     left.Dispose();
     right.Dispose();
@@ -67,7 +68,8 @@ static bool CompareDates(ZR_Executer_Token* left, ZR_Executer_Token* right, long
         case ZREXE_COMPARISON_GREATER_EQUAL: return ZR_DateIsGreaterEqual(&a, &b);
         case ZREXE_COMPARISON_LESS: return ZR_DateIsLess(&a, &b);
         case ZREXE_COMPARISON_GREATER: return ZR_DateIsGreater(&a, &b);
-        default: return (a.day == b.day && a.month == b.month && a.year == b.year) == (comparison == ZREXE_COMPARISON_EQUAL);
+        default:
+            return (a.day == b.day && a.month == b.month && a.year == b.year) == (comparison == ZREXE_COMPARISON_EQUAL);
     }
 }
 
@@ -98,8 +100,8 @@ static constexpr struct {
     short command;
     ZR_EXE_VariableKind kind;
 } kDeclarations[] = {
-    {282, ZR_EXE_Longint}, {283, ZR_EXE_Longint}, {284, ZR_EXE_Text},   {285, ZR_EXE_Real},        {286, ZR_EXE_Picture},
-    {293, ZR_EXE_Text},    {301, ZR_EXE_Pointer}, {305, ZR_EXE_Boolean}, {306, ZR_EXE_Time},       {307, ZR_EXE_Date},
+    {282, ZR_EXE_Longint}, {283, ZR_EXE_Longint}, {284, ZR_EXE_Text},        {285, ZR_EXE_Real}, {286, ZR_EXE_Picture},
+    {293, ZR_EXE_Text},    {301, ZR_EXE_Pointer}, {305, ZR_EXE_Boolean},     {306, ZR_EXE_Time}, {307, ZR_EXE_Date},
     {604, ZR_EXE_Blob},    {1216, ZR_EXE_Object}, {1488, ZR_EXE_Collection},
 };
 
@@ -376,9 +378,7 @@ void ZR_ExecutionContext::ExecuteTokenizedBlockNumber(double number, ZR_Executer
     switch (value->kind) {
         case ZREXE_TOKEN_NUMBER:
         case ZREXE_TOKEN_LONGINT:
-        case ZREXE_TOKEN_OTHER:
-            BecomeNumber(value, zrExe_FoldNumber(this, value->GetNumber(), number, formula));
-            break;
+        case ZREXE_TOKEN_OTHER: BecomeNumber(value, zrExe_FoldNumber(this, value->GetNumber(), number, formula)); break;
         case ZREXE_TOKEN_STRING:
             if (formula == '*') BecomeRepeatedText(this, value, value->GetText(), number);
             else Fail(kErrorFormula);

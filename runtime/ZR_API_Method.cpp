@@ -69,8 +69,8 @@ ZR_Executer_Variable* ZR_Executer_Stack::GetLocalVariable(ZR_Text* name) {
 // Index ------------------------------------------------------------------------------------------------------------
 
 static bool Opens(long keyword) {
-    return keyword == ZR_CMD_IF || keyword == ZR_CMD_FOR || keyword == ZR_CMD_REPEAT ||
-           keyword == ZR_CMD_WHILE || keyword == ZR_CMD_CASE_OF;
+    return keyword == ZR_CMD_IF || keyword == ZR_CMD_FOR || keyword == ZR_CMD_REPEAT || keyword == ZR_CMD_WHILE ||
+           keyword == ZR_CMD_CASE_OF;
 }
 
 static bool Closes(long keyword) {

@@ -8,25 +8,25 @@
 struct ZR_PreparedLine;
 
 struct ZR_MethodLine {
-    int first, last;       // positions of the first and the last token; last below first = an empty line
-    int keyword;           // 30001 to 30012, 0 = none
-    int ebene;             // nesting depth
-    int context;           // 1 in an If, 2 in a Case of, 0 neither
-    int jumpTarget[2];     // the targets asked for last, and where they lead
+    int first, last;    // positions of the first and the last token; last below first = an empty line
+    int keyword;        // 30001 to 30012, 0 = none
+    int ebene;          // nesting depth
+    int context;        // 1 in an If, 2 in a Case of, 0 neither
+    int jumpTarget[2];  // the targets asked for last, and where they lead
     int jumpLine[2];
-    ZR_PreparedLine* prepared;   // owned; null = not tried yet
+    ZR_PreparedLine* prepared;  // owned; null = not tried yet
 };
 
 struct ZR_MethodIndex {
-    ZR_Handle lines;       // of ZR_MethodLine, [1..count]
-    char* tokenData;       // of the list that this was made from
+    ZR_Handle lines;  // of ZR_MethodLine, [1..count]
+    char* tokenData;  // of the list that this was made from
     long tokenCount;
 };
 
 // The index, made when needed; null if there is no memory for it.
 ZR_MethodIndex* zrExe_GetMethodIndex(ZR_ExecutionMethod* method);
 void zrExe_DisposeMethodIndex(ZR_ExecutionMethod* method);
-ZR_MethodLine* zrExe_GetMethodLine(ZR_ExecutionMethod* method, long line);   // null = no such line
-void zrExe_DisposePreparedLine(ZR_PreparedLine* line);   // null is fine
+ZR_MethodLine* zrExe_GetMethodLine(ZR_ExecutionMethod* method, long line);  // null = no such line
+void zrExe_DisposePreparedLine(ZR_PreparedLine* line);                      // null is fine
 
 #endif

@@ -1,5 +1,5 @@
-// Where the Executer meets the interpreter: the command table asks the handlers which numbers they run, and the table of
-// execution contexts.
+// Where the Executer meets the interpreter: the command table asks the handlers which numbers they run, and the table
+// of execution contexts.
 
 #include <cstdlib>
 

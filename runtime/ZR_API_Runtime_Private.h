@@ -50,10 +50,10 @@ long zrExe_FoldTime(ZR_ExecutionContext* context, long left, long right, unsigne
 
 // Runs a method of the context in a frame of its own; $0 goes into answer, if it is set.
 void zrExe_CallMethod(ZR_ExecutionContext* context, long reference, ZR_Handle* parameters, ZR_Executer_Token* answer);
-unsigned long zrExe_Power(unsigned long base, unsigned long exponent);   // modulo 2^64
-ZR_EXE_VariableKind zrExe_DeclaredKind(long commandID);                  // of a declaration command; 5 = none
+unsigned long zrExe_Power(unsigned long base, unsigned long exponent);  // modulo 2^64
+ZR_EXE_VariableKind zrExe_DeclaredKind(long commandID);                 // of a declaration command; 5 = none
 bool zrExe_ForPass(ZR_Executer_Stack* frame, ZR_Executer_Variable* variable, bool first, long step, long end);
-void zrExe_StoreField(short table, short field, short type, ZR_Executer_Token* value);   // the kinds fit
+void zrExe_StoreField(short table, short field, short type, ZR_Executer_Token* value);  // the kinds fit
 
 // Evaluates the tokens [first..last] of a list into value, which the caller has created.
 void zrExe_EvaluateSlice(ZR_ExecutionContext* context, ZR_Handle* tokens, long first, long last,

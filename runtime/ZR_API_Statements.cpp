@@ -58,7 +58,8 @@ static long NextLine(ZR_ExecutionContext* context, ZR_ExecutionMethod* method, l
     };
     for (const Row& row : kRows) {
         if (row.state != state) continue;
-        long found = row.back ? zrExe_ExecuteJumpBack(method, line, row.target) : zrExe_ExecuteJump(method, line, row.target);
+        long found =
+            row.back ? zrExe_ExecuteJumpBack(method, line, row.target) : zrExe_ExecuteJump(method, line, row.target);
         if (found) return state == kEndWhile ? found - 1 : found;  // the While line runs again
         if (row.error) context->Fail(*row.error);
     }
@@ -524,7 +525,7 @@ void ZR_ExecutionContext::SetField(short table, short field, ZR_Executer_Token* 
         short type;
         ZREXE_TOKEN kind;  // what the field takes; kind 999 = it cannot be assigned at all
     } kFieldKinds[] = {
-        {0, ZREXE_TOKEN_STRING}, {2, ZREXE_TOKEN_STRING},  {1, ZREXE_TOKEN_NUMBER}, {4, ZREXE_TOKEN_DATE},
+        {0, ZREXE_TOKEN_STRING},  {2, ZREXE_TOKEN_STRING}, {1, ZREXE_TOKEN_NUMBER}, {4, ZREXE_TOKEN_DATE},
         {6, ZREXE_TOKEN_BOOLEAN}, {8, ZREXE_TOKEN_NUMBER}, {9, ZREXE_TOKEN_NUMBER}, {11, ZREXE_TOKEN_TIME},
         {30, ZREXE_TOKEN_BLOB},   {3, ZREXE_TOKEN_OTHER},  {7, ZREXE_TOKEN_OTHER},  {-1, ZREXE_TOKEN_OTHER},
     };

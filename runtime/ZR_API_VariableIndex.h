@@ -7,9 +7,9 @@
 #include "runtime/ZR_API_Variables.h"
 
 struct ZR_VariableIndex {
-    unsigned* slots;   // open addressing, position in the list, 0 = free; owned
-    long slotCount;    // a power of two, 0 = none yet
-    long known;        // records of the list that have been entered
+    unsigned* slots;  // open addressing, position in the list, 0 = free; owned
+    long slotCount;   // a power of two, 0 = none yet
+    long known;       // records of the list that have been entered
 
     void Create();
     void Dispose();

@@ -10,9 +10,8 @@
 static constexpr struct {
     ZR_EXE_VariableKind array, element;
 } kElementKinds[] = {
-    {ZR_EXE_ArrayReal, ZR_EXE_Real},       {ZR_EXE_ArrayInteger, ZR_EXE_Integer},
-    {ZR_EXE_ArrayLongint, ZR_EXE_Longint}, {ZR_EXE_ArrayDate, ZR_EXE_Date},
-    {ZR_EXE_ArrayPicture, ZR_EXE_Picture}, {ZR_EXE_ArrayPointer, ZR_EXE_Pointer},
+    {ZR_EXE_ArrayReal, ZR_EXE_Real},       {ZR_EXE_ArrayInteger, ZR_EXE_Integer}, {ZR_EXE_ArrayLongint, ZR_EXE_Longint},
+    {ZR_EXE_ArrayDate, ZR_EXE_Date},       {ZR_EXE_ArrayPicture, ZR_EXE_Picture}, {ZR_EXE_ArrayPointer, ZR_EXE_Pointer},
     {ZR_EXE_ArrayBoolean, ZR_EXE_Boolean}, {ZR_EXE_ArrayText, ZR_EXE_Text},
 };
 
@@ -20,10 +19,17 @@ static constexpr struct {
     int token;
     ZR_EXE_VariableKind variable;
 } kParameterKinds[] = {
-    {ZREXE_TOKEN_NUMBER, ZR_EXE_Real},     {ZREXE_TOKEN_LONGINT, ZR_EXE_Longint}, {ZREXE_TOKEN_STRING, ZR_EXE_Text},
-    {ZREXE_TOKEN_DATE, ZR_EXE_Date},       {ZREXE_TOKEN_TIME, ZR_EXE_Time},       {ZREXE_TOKEN_BOOLEAN, ZR_EXE_Boolean},
-    {ZREXE_TOKEN_POINTER, ZR_EXE_Pointer}, {ZREXE_TOKEN_BLOB, ZR_EXE_Blob},       {ZREXE_TOKEN_PICTURE, ZR_EXE_Picture},
-    {ZREXE_TOKEN_OBJECT, ZR_EXE_Object},   {ZREXE_TOKEN_COLLECTION, ZR_EXE_Collection},
+    {ZREXE_TOKEN_NUMBER, ZR_EXE_Real},
+    {ZREXE_TOKEN_LONGINT, ZR_EXE_Longint},
+    {ZREXE_TOKEN_STRING, ZR_EXE_Text},
+    {ZREXE_TOKEN_DATE, ZR_EXE_Date},
+    {ZREXE_TOKEN_TIME, ZR_EXE_Time},
+    {ZREXE_TOKEN_BOOLEAN, ZR_EXE_Boolean},
+    {ZREXE_TOKEN_POINTER, ZR_EXE_Pointer},
+    {ZREXE_TOKEN_BLOB, ZR_EXE_Blob},
+    {ZREXE_TOKEN_PICTURE, ZR_EXE_Picture},
+    {ZREXE_TOKEN_OBJECT, ZR_EXE_Object},
+    {ZREXE_TOKEN_COLLECTION, ZR_EXE_Collection},
 };
 
 // Life -------------------------------------------------------------------------------------------------------------
@@ -177,7 +183,8 @@ bool ZR_Executer_Variable::PointerToTable() {
 }
 
 bool ZR_Executer_Variable::PointerToField() {
-    return kind == ZR_EXE_Pointer && text.count == 0 && (value.integer & ~0xFFFFL) != 0 && (value.integer & 0xFFFF) != 0;
+    return kind == ZR_EXE_Pointer && text.count == 0 && (value.integer & ~0xFFFFL) != 0 &&
+           (value.integer & 0xFFFF) != 0;
 }
 
 bool ZR_Executer_Variable::IsPointerNil() { return kind == ZR_EXE_Pointer && text.count == 0 && value.integer == 0; }

@@ -48,9 +48,9 @@ constexpr bool zrExe_IsArrayKind(int kind) {
 }
 
 union ZR_VariableValue {
-    long integer;    // boolean 1 or 0, integer, longint, time in seconds, pointer scope or table and field
+    long integer;  // boolean 1 or 0, integer, longint, time in seconds, pointer scope or table and field
     double real;
-    short date[4];   // day, month, year
+    short date[4];  // day, month, year
 };
 
 struct ZR_Executer_Variable {
@@ -58,10 +58,10 @@ struct ZR_Executer_Variable {
     void* objectRef;      // kind 38; one counted reference while set
     void* collectionRef;  // kind 42; one counted reference while set
     ZR_EXE_VariableKind kind;
-    ZR_Text name;         // without $ or <>; parameters: their decimal number
-    ZR_Text text;         // text value; a pointer's target name
-    ZR_Handle elements;   // of ZR_Executer_Variable
-    ZR_Handle blob;       // bytes
+    ZR_Text name;        // without $ or <>; parameters: their decimal number
+    ZR_Text text;        // text value; a pointer's target name
+    ZR_Handle elements;  // of ZR_Executer_Variable
+    ZR_Handle blob;      // bytes
     ZR_Picture picture;
 
     void Create(ZR_EXE_VariableKind kind);
@@ -70,7 +70,7 @@ struct ZR_Executer_Variable {
     void Create(ZR_Text* name, ZR_Executer_Token* value);      // a parameter: the kind follows the value
     void Dispose();
 
-    void SetNumber(double number);   // integer kinds wrap at 32 bits
+    void SetNumber(double number);  // integer kinds wrap at 32 bits
     void SetBoolean(bool flag);
     void SetDate(ZR_Date* date);
     void SetTime(long seconds);
@@ -82,25 +82,25 @@ struct ZR_Executer_Variable {
     long GetTime();
     bool GetBoolean();
     void GetDate(ZR_Date* date);
-    bool PointerToTable();   // true for a nil pointer as well
+    bool PointerToTable();  // true for a nil pointer as well
     bool PointerToField();
     bool IsPointerNil();
-    long GetTable();         // 0 for a pointer to a field
+    long GetTable();  // 0 for a pointer to a field
     long GetField();
     long GetStackIDFromPointerToLocalVariable();
-    bool isNull();           // an object or collection without reference
+    bool isNull();  // an object or collection without reference
 
     bool IsArray() { return zrExe_IsArrayKind(kind); }
-    ZR_EXE_VariableKind GetVariableTypeFromArrayType();   // 5 = no array
-    bool ResizeArray(long n);                             // false = not enough memory, nothing changed
-    bool InsertArrayElements(long position, long n);      // before element position [1..count]; false as above
+    ZR_EXE_VariableKind GetVariableTypeFromArrayType();  // 5 = no array
+    bool ResizeArray(long n);                            // false = not enough memory, nothing changed
+    bool InsertArrayElements(long position, long n);     // before element position [1..count]; false as above
     void DeleteArrayElements(long position, long n);
     ZR_Executer_Variable* GetVariablePtrFromArrayByIndex(long index);  // [1..count]; null outside
     double Sum();
 
-    PA_Variable CreatePAVariable(bool duplicateObject);   // handed over
-    bool SetPAVariable(PA_Variable* host);                // host kind already unified; false = not taken, unchanged
-    void ToPAVariable(PA_Variable* host);                 // into the host's record, then to the host under the name
+    PA_Variable CreatePAVariable(bool duplicateObject);  // handed over
+    bool SetPAVariable(PA_Variable* host);               // host kind already unified; false = not taken, unchanged
+    void ToPAVariable(PA_Variable* host);                // into the host's record, then to the host under the name
 };
 
 // Lists of variables. Names compare without regard to ASCII case.

@@ -230,11 +230,12 @@ static constexpr struct {
     ZR_EXE_VariableKind variable;
     ZREXE_TOKEN token;
 } kTokenKinds[] = {
-    {ZR_EXE_Real, ZREXE_TOKEN_NUMBER},    {ZR_EXE_Integer, ZREXE_TOKEN_NUMBER}, {ZR_EXE_Longint, ZREXE_TOKEN_NUMBER},
-    {ZR_EXE_Date, ZREXE_TOKEN_DATE},      {ZR_EXE_Boolean, ZREXE_TOKEN_BOOLEAN}, {ZR_EXE_Picture, ZREXE_TOKEN_PICTURE},
-    {ZR_EXE_Time, ZREXE_TOKEN_TIME},      {ZR_EXE_Pointer, ZREXE_TOKEN_POINTER}, {ZR_EXE_Blob, ZREXE_TOKEN_BLOB},
-    {ZR_EXE_Text, ZREXE_TOKEN_STRING},    {ZR_EXE_Object, ZREXE_TOKEN_OBJECT},
-    {ZR_EXE_Collection, ZREXE_TOKEN_COLLECTION},
+    {ZR_EXE_Real, ZREXE_TOKEN_NUMBER},     {ZR_EXE_Integer, ZREXE_TOKEN_NUMBER},
+    {ZR_EXE_Longint, ZREXE_TOKEN_NUMBER},  {ZR_EXE_Date, ZREXE_TOKEN_DATE},
+    {ZR_EXE_Boolean, ZREXE_TOKEN_BOOLEAN}, {ZR_EXE_Picture, ZREXE_TOKEN_PICTURE},
+    {ZR_EXE_Time, ZREXE_TOKEN_TIME},       {ZR_EXE_Pointer, ZREXE_TOKEN_POINTER},
+    {ZR_EXE_Blob, ZREXE_TOKEN_BLOB},       {ZR_EXE_Text, ZREXE_TOKEN_STRING},
+    {ZR_EXE_Object, ZREXE_TOKEN_OBJECT},   {ZR_EXE_Collection, ZREXE_TOKEN_COLLECTION},
 };
 
 void ZR_Executer_Token::Create(void* source) {

@@ -60,10 +60,9 @@ long zrExe_CreateVirtualStructureTable(ZR_Executer* executer, PluginBlock* block
     long table = PA_GetLongParameter(block, first);
     ZR_Text caption;
     caption.CreateFrom4DParameter(block, static_cast<short>(first + 1));
-    long error = SetOrMake(target, block, ZR_EXE_GetVStructureByTableNo(target.list, table), table >= 1, &caption,
-                           [&](ZR_Executer_VirtualStructure* fresh, long reference) {
-                               fresh->CreateTable(table, &caption, reference);
-                           });
+    long error = SetOrMake(
+        target, block, ZR_EXE_GetVStructureByTableNo(target.list, table), table >= 1, &caption,
+        [&](ZR_Executer_VirtualStructure* fresh, long reference) { fresh->CreateTable(table, &caption, reference); });
     caption.Dispose();
     return error;
 }
@@ -76,11 +75,11 @@ long zrExe_CreateVirtualStructureField(ZR_Executer* executer, PluginBlock* block
     long field = PA_GetLongParameter(block, static_cast<short>(first + 1));
     ZR_Text caption;
     caption.CreateFrom4DParameter(block, static_cast<short>(first + 2));
-    long error = SetOrMake(target, block, ZR_EXE_GetVStructureByFieldNo(target.list, table, field),
-                           table >= 1 && field >= 1, &caption,
-                           [&](ZR_Executer_VirtualStructure* fresh, long reference) {
-                               fresh->CreateField(table, field, &caption, reference);
-                           });
+    long error =
+        SetOrMake(target, block, ZR_EXE_GetVStructureByFieldNo(target.list, table, field), table >= 1 && field >= 1,
+                  &caption, [&](ZR_Executer_VirtualStructure* fresh, long reference) {
+                      fresh->CreateField(table, field, &caption, reference);
+                  });
     caption.Dispose();
     return error;
 }
@@ -92,8 +91,8 @@ long zrExe_CreateVirtualStructureMethod(ZR_Executer* executer, PluginBlock* bloc
     ZR_Text name, caption;
     name.CreateFrom4DParameter(block, first);
     caption.CreateFrom4DParameter(block, static_cast<short>(first + 1));
-    long error = SetOrMake(target, block, ZR_EXE_GetVStructureByMethodname(target.list, &name), name.count > 0, &caption,
-                           [&](ZR_Executer_VirtualStructure* fresh, long reference) {
+    long error = SetOrMake(target, block, ZR_EXE_GetVStructureByMethodname(target.list, &name), name.count > 0,
+                           &caption, [&](ZR_Executer_VirtualStructure* fresh, long reference) {
                                fresh->CreateMethod(&name, &caption, reference, 0);
                            });
     name.Dispose();

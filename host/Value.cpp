@@ -1,0 +1,67 @@
+#include "host/Value.h"
+
+#include <cmath>
+
+namespace zrhost {
+
+double Value::number() const {
+    if (const double* real = std::get_if<double>(&data_)) return *real;
+    if (const int32_t* whole = std::get_if<int32_t>(&data_)) return *whole;
+    return 0;
+}
+
+int32_t Value::integer() const {
+    if (const int32_t* whole = std::get_if<int32_t>(&data_)) return *whole;
+    double real = number();
+    if (std::isnan(real)) return 0;
+    if (real >= 2147483647.0) return INT32_MAX;
+    if (real <= -2147483648.0) return INT32_MIN;
+    return int32_t(real);
+}
+
+bool Value::boolean() const { return number() != 0; }
+
+Date Value::date() const {
+    const Date* date = std::get_if<Date>(&data_);
+    return date ? *date : Date{};
+}
+
+const std::u16string& Value::text() const {
+    static const std::u16string none;
+    const std::u16string* text = std::get_if<std::u16string>(&data_);
+    return text ? *text : none;
+}
+
+const Value::Bytes& Value::blob() const {
+    static const Bytes none;
+    const Bytes* bytes = std::get_if<Bytes>(&data_);
+    return bytes ? *bytes : none;
+}
+
+const Value::Elements& Value::elements() const {
+    static const Elements none;
+    const Elements* elements = std::get_if<Elements>(&data_);
+    return elements ? *elements : none;
+}
+
+Object* Value::object() const {
+    const Ref<Object>* ref = std::get_if<Ref<Object>>(&data_);
+    return ref ? ref->get() : nullptr;
+}
+
+Collection* Value::collection() const {
+    const Ref<Collection>* ref = std::get_if<Ref<Collection>>(&data_);
+    return ref ? ref->get() : nullptr;
+}
+
+Picture* Value::picture() const {
+    const Ref<Picture>* ref = std::get_if<Ref<Picture>>(&data_);
+    return ref ? ref->get() : nullptr;
+}
+
+const PointerBlock* Value::pointer() const {
+    const auto* block = std::get_if<std::shared_ptr<const PointerBlock>>(&data_);
+    return block ? block->get() : nullptr;
+}
+
+}  // namespace zrhost
