@@ -174,7 +174,7 @@ inline std::string Encoded(char32_t c, int charset) {
         out += static_cast<char>(c);
     } else {
         int more = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-        out += static_cast<char>((0xF00 >> more & 0xFF) | (c >> (6 * more)));
+        out += static_cast<char>("\0\xC0\xE0\xF0"[more] | static_cast<char>(c >> (6 * more)));
         for (int k = more - 1; k >= 0; --k) out += static_cast<char>(0x80 | (c >> (6 * k) & 0x3F));
     }
     return out;
