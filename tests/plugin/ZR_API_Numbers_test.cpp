@@ -237,7 +237,7 @@ TEST(Numbers, IsCurrentProcessPreemptive_BitOfTheLastNumber_Decides) {
         host.answer[ZR_SEL_ExecuteCommand] = [&](EngineBlock* block) {
             EXPECT_EQ(block->fParam3, 336);
             EXPECT_EQ(block->fParam4, 5);
-            EXPECT_EQ(Parameter(block, 1)->uValue.fLongint, 6);
+            EXPECT_EQ(+Parameter(block, 1)->uValue.fLongint, 6);
             EXPECT_EQ(Parameter(block, 2)->fType, eVK_Text);
             Parameter(block, 2)->uValue.fText = host.String("P_1");
             for (int n = 3; n <= 5; n++) EXPECT_EQ(Parameter(block, n)->fType, eVK_Longint);
