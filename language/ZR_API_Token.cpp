@@ -81,12 +81,10 @@ void ZR_Executer_Token::Create(PA_Variable* variable) {
             kind = ZREXE_TOKEN_NUMBER;
             value.real = variable->uValue.fLongint;
             break;
-        case eVK_Picture: {
+        case eVK_Picture:
             kind = ZREXE_TOKEN_PICTURE;
-            PA_Picture hostPicture = variable->uValue.fPicture;
-            picture.Create(&hostPicture);
+            picture.Create(static_cast<void**>(variable->uValue.fPicture));
             break;
-        }
         case eVK_Time:
             kind = ZREXE_TOKEN_TIME;
             value.integer = PA_GetTimeVariable(variable);

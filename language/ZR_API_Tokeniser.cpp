@@ -380,8 +380,14 @@ static void ScanMember(Scanner* scanner) {
     Clear(scanner);
 }
 
-static long EndOfName(const Scanner* scanner, long first) {  // without trailing blanks
-    long end = EndOfClass(scanner, first, kName);
+// Blanks inside belong to a name, trailing ones do not.
+// Required: a name ends in front of a blank and 0x, so that a 0x12 is a name and a literal.
+static long EndOfName(const Scanner* scanner, long first) {
+    long end = first;
+    for (; end < scanner->count && Is(scanner->line[end], kName); end++) {
+        bool behindBlank = end > first && scanner->line[end - 1] == ' ';
+        if (behindBlank && scanner->line[end] == '0' && UnitAt(scanner, end + 1) == 'x') break;
+    }
     while (end > first && scanner->line[end - 1] == ' ') end--;
     return end;
 }

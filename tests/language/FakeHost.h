@@ -29,13 +29,13 @@ class FakeHost {
     };
 
     long liveHandles = 0, liveStrings = 0, livePictures = 0;
-    std::map<void*, long> references;                           // objects and collections: counts that were taken
-    std::map<long, Command> commands;                           // by number
-    std::map<long, std::u16string> formats;                     // system formats
+    std::map<void*, long> references;                             // objects and collections: counts that were taken
+    std::map<long, Command> commands;                             // by number
+    std::map<long, std::u16string> formats;                       // system formats
     std::map<std::u16string, std::pair<short, short>> structure;  // reference text to table and field
-    std::vector<std::u16string> evaluated;                      // what EvalDate and EvalTime were given
-    std::vector<Property> properties;                           // what ObjectSetProperty was given
-    bool spoilReceiver = false;                                 // command 538 leaves its receiver as a text
+    std::vector<std::u16string> evaluated;                        // what EvalDate and EvalTime were given
+    std::vector<Property> properties;                             // what ObjectSetProperty was given
+    bool spoilReceiver = false;                                   // command 538 leaves its receiver as a text
 
     static FakeHost& Get() {
         static FakeHost host;
@@ -46,8 +46,9 @@ class FakeHost {
     static FakeHost& Start(unsigned short version = 0x1800) {
         FakeHost& host = Get();
         host = FakeHost();
-        host.commands = {{1, {u"Sum", true}},     {10, {u"String", true}},        {41, {u"ALERT", false}},
-                         {274, {u"Size of array", true}}, {283, {u"C_LONGINT", true}}, {1471, {u"New object", true}}};
+        host.commands = {{1, {u"Sum", true}},         {10, {u"String", true}},
+                         {41, {u"ALERT", false}},     {274, {u"Size of array", true}},
+                         {283, {u"C_LONGINT", true}}, {1471, {u"New object", true}}};
         host.formats = {{0, u"."}, {1, u","}};
         ZR_StartupRecord record = {};
         record.fHostVersion = version;
@@ -221,8 +222,7 @@ class FakeHost {
             case ZR_SEL_ClearVariable: ClearVariable(At<PA_Variable>(block->fParam1)); break;
             case ZR_SEL_ResizeArray: {
                 PA_Variable* array = At<PA_Variable>(block->fParam1);
-                ResizeHandle(array->uValue.fArray.fData,
-                             (block->fParam2 + 1) * ZR_HostArrayElementSize(array->fType));
+                ResizeHandle(array->uValue.fArray.fData, (block->fParam2 + 1) * ZR_HostArrayElementSize(array->fType));
                 array->uValue.fArray.fSize = static_cast<int32_t>(block->fParam2);
                 break;
             }
