@@ -4,7 +4,21 @@
 #include "host/CommandCall.h"
 
 // One line a file of commands: the name of the function that hands its rows out.
-#define ZRHOST_COMMAND_FILES(X) /* X(commandsText) */
+#define ZRHOST_COMMAND_FILES(X) \
+    X(commandsArrays)           \
+    X(commandsBlobs)            \
+    X(commandsDates)            \
+    X(commandsDocuments)        \
+    X(commandsLanguage)         \
+    X(commandsMath)             \
+    X(commandsMessages)         \
+    X(commandsObjects)          \
+    X(commandsPictures)         \
+    X(commandsProcesses)        \
+    X(commandsRecords)          \
+    X(commandsStructure)        \
+    X(commandsSystem)           \
+    X(commandsText)
 
 namespace zrhost {
 

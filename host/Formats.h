@@ -20,7 +20,6 @@ struct Locale {
     char order[3] = {'M', 'D', 'Y'};           // of the short date
     char16_t dateSeparator = u'/', timeSeparator = u':';
     bool twelveHours = true;
-    bool paddedDate = false;  // 01/02/2024 and not 1/2/2024
     std::u16string currency;  // "$"
     const char16_t* am;       // "AM"
     const char16_t* pm;
@@ -34,17 +33,21 @@ struct Locale {
     const char16_t* shortTime;
     const char16_t* mediumTime;
     const char16_t* longTime;
+    const char16_t* const* timeWords;  // hour, hours, minute, minutes, second, seconds
 };
 Locale FindLocale(std::string_view name);  // the nearest one that is known: en-US, en-GB, de-DE, fr-FR and others
 const Locale& CurrentLocale();             // of the active host; en-US without one
 
 std::u16string FormatReal(double number, std::u16string_view format, const Locale& locale = CurrentLocale());
 std::u16string FormatLongint(int64_t number, std::u16string_view format, const Locale& locale = CurrentLocale());
-// Format numbers of the language: 1 system short, 2 system abbreviated, 3 system long, 4 internal date short special,
-// 5 internal date long, 6 internal date abbreviated, 7 internal date short, 8 ISO date, 9 blank if null + ...,
-// 10 ISO date GMT; 100 added: the empty date gives an empty text.
-std::u16string FormatDate(Date date, int format, const Locale& locale = CurrentLocale());
-// 1 HH:MM:SS, 2 HH:MM, 3 hour min sec, 4 hour min, 5 HH:MM AM/PM, 6 MM:SS, 7 min sec, 8 ISO time, 9 system short, ...
+// Format numbers of the language. 1 system short, 2 system abbreviated, 3 system long, 4 digits with a short year where
+// the pivot tells the century, 5 long without the day of the week, 6 abbreviated without it, 7 digits, 8 ISO
+// (2006-12-29T00:00:00), 9 ISO in UTC, 10 as in the headers of mails. Others count as 1. 100 added: the empty date
+// gives an empty text. The time counts in 8, 9 and 10 only.
+std::u16string FormatDate(Date date, int format, const Locale& locale = CurrentLocale(), int64_t seconds = 0);
+// 1 HH:MM:SS, 2 HH:MM, 3 hours minutes seconds in words, 4 hours minutes, 5 H:MM AM/PM, 6 MM:SS, 7 minutes seconds,
+// 8 ISO (0000-00-00T01:02:03), 9 system short, 10 system abbreviated, 11 system long. Others count as 1. 100 added: the
+// time 0 gives an empty text.
 std::u16string FormatTime(int64_t seconds, int format, const Locale& locale = CurrentLocale());
 std::u16string FormatString(std::u16string_view text, std::u16string_view format);  // # takes a unit, the rest stands
 // A date or time by a pattern of letters ("yyyy-MM-dd", "HH:mm:ss").

@@ -42,12 +42,14 @@ struct MainCall {  // a function that waits for the main process
 
 struct ProcessRecord {
     std::shared_ptr<Process> process;
-    std::thread thread;  // not joinable: a thread of somebody else
-    bool ended = false;
+    std::thread thread;      // not joinable: a thread of somebody else
     bool holdsTurn = false;  // touched by its own thread
     int blocking = 0;        // depth of Host::Blocking; touched by its own thread
-    int64_t wakeAt = 0;      // milliseconds of the steady clock; a delay set from outside
+    // Guarded by the mutex of Inside:
+    bool ended = false;
+    int64_t wakeAt = 0;  // milliseconds of the steady clock; 0 = no delay
     bool pauseAsked = false;
+    std::atomic<bool> attention{false};  // the next yield looks at the two above
 };
 
 struct Host::Inside {
@@ -88,14 +90,13 @@ struct Host::Inside {
     std::unordered_map<const void*, std::shared_ptr<void>> states;
 
     std::array<std::atomic<bool>, Host::kLastCommand + 1> reported{};  // commands named as not served
-
-    ProcessRecord& attach(Process*& current);  // a process for a thread of somebody else
 };
 
 // Processes (Process.cpp)
-Process& StartMainProcess(Host::Inside& inside);
-void EndProcesses(Host::Inside& inside);  // asks all to end and waits
-ProcessRecord& CurrentRecord(Host::Inside& inside);
+void StartMainProcess(Host::Inside& inside);         // the calling thread
+void EndProcesses(Host::Inside& inside);             // asks all to end and waits; the calling thread leaves process 1
+ProcessRecord& CurrentRecord(Host::Inside& inside);  // a foreign thread is given a preemptive process
+int64_t Milliseconds();                              // of the steady clock
 
 // Pointers (Pointers.cpp)
 uint64_t NumberOfName(Host::Inside& inside, std::u16string_view name);  // from 1; made if new
@@ -115,7 +116,7 @@ int16_t RunMember(Host& host, const Value& target, std::u16string_view name, std
                   Value* result);
 
 // Methods and lines of code (Methods.cpp)
-bool RunRegistered(Host& host, int number, std::span<Value> arguments, Value* result);
+int16_t RunRegistered(Host& host, int number, std::span<Value> arguments, Value* result);  // 4004 if unknown
 int16_t RunMethodOrLine(Host& host, std::u16string_view code, std::span<Value> arguments, Value* result);
 int16_t EvaluateText(Host& host, std::u16string_view expression, Value* result);
 
