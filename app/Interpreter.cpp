@@ -7,6 +7,7 @@
 #include "app/Values.h"
 #include "core/ZR_API_BLOBArray.h"
 #include "host/Variables.h"
+#include "language/ZR_API_TokenList.h"
 #include "plugin/ZR_API_Bridge.h"
 #include "plugin/ZR_API_Plugin.h"
 #include "runtime/ZR_API_Guards.h"
