@@ -107,6 +107,7 @@ static void ReadTokens(const ZR_Handle* bytes, long* cursor, ZR_Handle* tokens) 
     long possible = (bytes->count - *cursor) / 2;
     count = std::clamp(count, 0L, possible);
     tokens->growStep = count;
+    zrExe_ReserveTokens(tokens, count);
     while (count-- > 0 && bytes->count - *cursor >= 2) {
         short kind = bytes->ReadShort(cursor);
         Payload payload = PayloadOf(kind);

@@ -1,10 +1,36 @@
 #include "language/ZR_API_TokenList.h"
 
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
+
 #include <algorithm>
+#include <cstdint>
 
 #include "language/ZR_API_Token_Private.h"
 
 void zrExe_CreateTokens(ZR_Handle* tokens) { tokens->Create(sizeof(ZR_Executer_Token), 0); }
+
+// Room ------------------------------------------------------------------------------------------------------------
+
+static constexpr uintptr_t kLargePage = 2L << 20;   // bytes
+static constexpr long kLargeList = 2 * kLargePage;  // bytes; from here large pages are asked for
+
+// A long list is written once from end to end: on pages of 4 KB the faults would cost several times the tokenising.
+static void AskForLargePages(ZR_Handle* tokens) {
+#ifdef MADV_HUGEPAGE
+    uintptr_t begin = (reinterpret_cast<uintptr_t>(tokens->data) + kLargePage - 1) & ~(kLargePage - 1);
+    uintptr_t end = (reinterpret_cast<uintptr_t>(tokens->data) + tokens->allocatedBytes) & ~(kLargePage - 1);
+    if (end > begin) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);  // a hint: refused is fine
+#else
+    (void)tokens;
+#endif
+}
+
+void zrExe_ReserveTokens(ZR_Handle* tokens, long more) {
+    if (more < 1 || !tokens->Secure(tokens->count + more)) return;
+    if (tokens->allocatedBytes >= kLargeList) AskForLargePages(tokens);
+}
 
 // Appending -------------------------------------------------------------------------------------------------------
 
@@ -61,7 +87,7 @@ void zrExe_CreateCopyTokens(ZR_Handle* out, ZR_Handle* in, long first, long last
     first = std::max(first, 1L);  // positions that do not exist are not walked
     last = std::min(last, in->count);
     if (last < first) return;
-    out->growStep = last - first + 1;
+    out->growStep = last - first + 1;  // so that the copy grows once
     for (long i = first; i <= last; i++) {
         ZR_Executer_Token* source = zrExe_TokenAt(in, i);
         if (source->kind == ZREXE_TOKEN_OTHER) continue;

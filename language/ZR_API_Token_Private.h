@@ -24,6 +24,8 @@ inline ZR_Executer_Token* zrExe_TokenAt(ZR_Handle* tokens, long index) {  // [1.
     return reinterpret_cast<ZR_Executer_Token*>(tokens->GetMemPtr(index));
 }
 
+void zrExe_ReserveTokens(ZR_Handle* tokens, long more);  // room for that many more; refused = as it was
+
 // A new token at the list's end, empty, value 0; borrowed until the next append. Null = no memory.
 inline ZR_Executer_Token* zrExe_AppendToken(ZR_Handle* tokens, ZREXE_TOKEN kind) {
     char* place = tokens->AppendGetPtr();

@@ -91,9 +91,9 @@ static long Search(const Scanner* scanner, unsigned short unit, long from) {  //
     return -1;
 }
 
-// A list that grows in a long text grows by its own size, so that it is not moved again and again.
+// A list that grows in a long text grows by half its size, so that it is not moved again and again.
 static ZR_Executer_Token* Append(ZR_Handle* tokens, ZREXE_TOKEN kind) {
-    if (tokens->count >= tokens->capacity) tokens->growStep = std::max(tokens->growStep, tokens->count);
+    if (tokens->count >= tokens->capacity) zrExe_ReserveTokens(tokens, tokens->count / 2 + 1);
     return zrExe_AppendToken(tokens, kind);
 }
 
@@ -601,15 +601,16 @@ static void BeginScan(Scanner* scanner, ZR_Handle* tokens, ZR_Handle* vstructure
 void zrExe_Tokenize_Line(ZR_Text* line, ZR_Handle* tokens, ZR_Handle* vstructure, ZR_Handle* runs, ZR_Handle* styles,
                          long* lineStart, unsigned short decimalSeparator, ZR_Executer* executer) {
     if (!line || line->count <= 0) return;
-    long keptStep = tokens->growStep;
     Scanner scanner;
     BeginScan(&scanner, tokens, vstructure, runs, styles, decimalSeparator, executer);
     ScanLine(&scanner, line->Units(), line->count, lineStart ? *lineStart : 0);
     scanner.captions.End();
-    tokens->growStep = keptStep;
 }
 
 // Whole texts -----------------------------------------------------------------------------------------------------
+
+static constexpr long kMostReserved =
+    1L << 20;  // tokens; one for three units is usual, and room not used costs nothing
 
 static bool IsLineEnd(unsigned short unit) { return unit == '\r' || unit == '\n' || unit == 0x2028; }
 
@@ -617,8 +618,7 @@ void ZR_Executer::TokenizeToTokens(ZR_Text* source, ZR_Handle* tokens, ZR_Handle
                                    ZR_Handle* styles) {
     const unsigned short* units = source ? source->Units() : nullptr;
     long count = units ? source->count : 0;
-    long keptStep = tokens->growStep;
-    tokens->growStep = std::max(keptStep, std::min(count / 4 + 2, 65536L));  // about the tokens to come
+    zrExe_ReserveTokens(tokens, std::min(count / 2 + 2, kMostReserved));
     Scanner scanner;
     BeginScan(&scanner, tokens, vstructure, runs, styles, decimalSeparator, this);
     long lineStart = 0;
@@ -632,7 +632,6 @@ void ZR_Executer::TokenizeToTokens(ZR_Text* source, ZR_Handle* tokens, ZR_Handle
         from = end + (pair ? 2 : 1);
     }
     scanner.captions.End();
-    tokens->growStep = keptStep;
 }
 
 void ZR_Executer::Tokenize(ZR_Text* source, ZR_Handle* blob, ZR_Handle* vstructure, ZR_Handle* runs,

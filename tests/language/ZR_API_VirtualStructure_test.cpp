@@ -149,6 +149,27 @@ TEST_F(VirtualStructure, Blob_Bytes) {
     EXPECT_EQ(blob->growStep, 10000);
 }
 
+TEST_F(VirtualStructure, Blob_ExampleOfTheFormatPage) {
+    Structure list;
+    list.Add()->CreateTable(3, Text(u"Ab"), 7);
+    Block blob;
+    ZR_EXE_VStructureToBlob(list, blob);
+    EXPECT_EQ(blob->count, 44);
+    EXPECT_EQ(Hex(blob.Bytes()),
+              "00000001"
+              "00000001"
+              "0001"
+              "00000007"
+              "00000000"
+              "00000003"
+              "00000000"
+              "0001"
+              "00000000"
+              "00000002"
+              "00410062"
+              "00000000");
+}
+
 TEST_F(VirtualStructure, Blob_EmptyList) {
     Structure list;
     Block blob;

@@ -252,10 +252,10 @@ TEST(BridgeVariables, PictureVariable_Set_FreesTheOldOne) {
     int first, second;
     PA_SetPictureVariable(&picture, &first);
     EXPECT_EQ(host.count(ZR_SEL_DisposePicture), 0);
-    PA_SetPictureVariable(&picture, &first);
-    EXPECT_EQ(host.count(ZR_SEL_DisposePicture), 0);
+    PA_SetPictureVariable(&picture, &first);  // one more count on it: the old one goes
+    EXPECT_EQ(host.count(ZR_SEL_DisposePicture), 1);
     PA_SetPictureVariable(&picture, &second);
-    ASSERT_EQ(host.count(ZR_SEL_DisposePicture), 1);
+    ASSERT_EQ(host.count(ZR_SEL_DisposePicture), 2);
     EXPECT_EQ(host.last().in.fParam1, (int64_t)(intptr_t)&first);
     EXPECT_EQ(PA_GetPictureVariable(&picture), &second);
 }
