@@ -4,4 +4,3 @@ ALERT(String(0xff))  // expect: 255
 ALERT(String(0x0))  // expect: 0
 ALERT(String(0x00000010))  // expect: 16
 ALERT(String(0x7FFFFFFF))  // expect: 2147483647
-ALERT(Choose(0xFFFFFFFF=4294967295;"unsigned";"signed"))  // expect: unsigned
