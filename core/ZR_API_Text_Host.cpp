@@ -134,7 +134,7 @@ void ZR_Text::Dispose() {
     unistringValid = false;
 }
 
-PA_Unistring ZR_Text::GetUnistring() { return PA_CreateUnistring(GetUniCharPtr()); }
+PA_Unistring ZR_Text::GetUnistring() { return PA_CreateUnistringWithLength(GetUniCharPtr(), count); }
 
 PA_Unistring* ZR_Text::GetUnistringPtr() {
     if (unistringValid) PA_DisposeUnistring(&unistring);
@@ -185,11 +185,13 @@ void ZR_Text::To4DArray(PA_Variable* array, long index) {
 }
 
 void ZR_Text::To4DParameter(PluginBlock* block, short index) {
-    if (auto record = ParameterRecord<PA_Unistring>(block, index)) PA_SetUnistring(record, GetUniCharPtr());
+    if (auto record = ParameterRecord<PA_Unistring>(block, index))
+        PA_SetUnistringWithLength(record, GetUniCharPtr(), count);
 }
 
 void ZR_Text::ReturnText(PluginBlock* block) {
-    if (block && block->result) PA_SetUnistring(static_cast<PA_Unistring*>(block->result), GetUniCharPtr());
+    if (block && block->result)
+        PA_SetUnistringWithLength(static_cast<PA_Unistring*>(block->result), GetUniCharPtr(), count);
 }
 
 // Names, formats, localisation -------------------------------------------------------------------------------------

@@ -406,7 +406,63 @@ static bool BuildParameters(Run* run, const ZR_PreparedStep* step, ZR_Handle* li
     return true;
 }
 
+// Commands on texts that need no host: it would be handed a copy of the whole text at every call. Their answers are the
+// host's own, for the forms that the table gives them.
+enum { kCommandSubstring = 12, kCommandLength = 16 };
+
+static bool Argument(Run* run, const ZR_PreparedStep* step, int index, int kind, QuickValue* value) {
+    Clear(value);
+    return Evaluate(run, ParameterOf(run, step, index)->block, value) && value->kind == kind;
+}
+
+static bool QuickLength(Run* run, const ZR_PreparedStep* step, QuickValue* value) {
+    QuickValue text;
+    bool good = Argument(run, step, 0, ZREXE_TOKEN_STRING, &text);
+    if (good) {
+        value->kind = ZREXE_TOKEN_NUMBER;
+        value->number = static_cast<double>(text.text->count);
+    }
+    DisposeValue(&text);
+    return good;
+}
+
+static bool QuickSubstring(Run* run, const ZR_PreparedStep* step, QuickValue* value) {
+    static const double kMost = 2147483647.0;
+    QuickValue text, first, count;
+    Clear(&first);
+    Clear(&count);
+    count.number = kMost;
+    bool good = Argument(run, step, 0, ZREXE_TOKEN_STRING, &text) &&
+                Argument(run, step, 1, ZREXE_TOKEN_NUMBER, &first) &&
+                (step->parameterCount < 3 || Argument(run, step, 2, ZREXE_TOKEN_NUMBER, &count)) &&
+                first.number > -kMost && first.number < kMost && count.number > -kMost && count.number <= kMost;
+    if (good) {
+        long from = zrExe_Truncate(first.number) - 1, units = zrExe_Truncate(count.number);
+        if (from < 0) from = 0;
+        if (from > text.text->count) from = text.text->count;
+        if (units > text.text->count - from) units = text.text->count - from;
+        value->storage.Create();
+        if (units > 0) value->storage.AddUniBuffer(text.text->Units() + from, units);
+        value->kind = ZREXE_TOKEN_STRING;
+        value->owned = true;
+        value->text = &value->storage;
+    }
+    DisposeValue(&text);
+    DisposeValue(&first);
+    DisposeValue(&count);
+    return good;
+}
+
+static bool RunQuickCommand(Run* run, const ZR_PreparedStep* step, QuickValue* value) {
+    bool length = step->id == kCommandLength && step->parameterCount == 1;
+    bool substring = step->id == kCommandSubstring && (step->parameterCount == 2 || step->parameterCount == 3);
+    if ((!length && !substring) || !IsAllowed(run->context, step->id)) return false;
+    return length ? QuickLength(run, step, value) : QuickSubstring(run, step, value);
+}
+
 static Outcome RunCommand(Run* run, ZR_PreparedStep* step, QuickValue* value) {
+    if (RunQuickCommand(run, step, value)) return kDone;
+    Clear(value);
     ZR_Handle parameters;
     if (!BuildParameters(run, step, &parameters)) return kHandOver;
     ZR_Executer_Token answer;

@@ -1,0 +1,2 @@
+// 57,313 calls of a method that calls itself.
+ALERT(String(fibonacci(22)))

@@ -1,0 +1,5 @@
+text = ""
+part = "xy"
+for i in range(1, 1000001):
+    text += part + ";"
+print(len(text))

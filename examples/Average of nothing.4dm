@@ -1,0 +1,3 @@
+// Average of nothing (what) -> an error.
+$count:=0
+$0:=100/$count

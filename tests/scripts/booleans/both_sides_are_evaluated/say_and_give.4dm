@@ -1,0 +1,3 @@
+// Prints the first parameter and gives back the second.
+ALERT($1)
+$0:=$2

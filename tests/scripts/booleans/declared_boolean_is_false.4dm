@@ -1,0 +1,3 @@
+// A declared Boolean starts as false.
+C_BOOLEAN($b)
+ALERT(Choose($b;"true";"false"))  // expect: false

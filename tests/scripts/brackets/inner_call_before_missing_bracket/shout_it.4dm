@@ -1,0 +1,3 @@
+// Prints its parameter.
+ALERT($1)
+$0:=1

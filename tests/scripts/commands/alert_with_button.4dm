@@ -1,0 +1,2 @@
+// ALERT may name its button.
+ALERT("text";"Fine")  // expect: text

@@ -1,0 +1,2 @@
+// ALERT needs a text.
+ALERT  // error: -13 Command "ALERT" wrong count of parameters

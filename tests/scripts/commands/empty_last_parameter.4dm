@@ -1,0 +1,3 @@
+// A separator at the end adds no parameter.
+ALERT("a";)  // expect: a
+ALERT(String(Length("abc";)))  // expect: 3

@@ -1,0 +1,2 @@
+// Int takes a number only.
+$x:=Int("a")  // error: -13 Command "Int" wrong parameter type

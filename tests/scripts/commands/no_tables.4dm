@@ -1,0 +1,2 @@
+// An empty structure has no tables.
+ALERT(String(Get last table number))  // expect: 0

@@ -1,0 +1,3 @@
+// Pointers do not compare.
+$a:=1
+$x:=->$a=->$a  // error: -26 Comparison not possible!

@@ -1,0 +1,2 @@
+// An End while needs its While.
+End while  // error: -20 While expected

@@ -1,0 +1,3 @@
+// The end of a For must be a number.
+For ($i;1;"a")  // error: -30 Wrong For/End For-Statement
+End For

@@ -1,0 +1,5 @@
+// An If needs a condition.
+// error next: -27 Wrong If-Statement
+If ()
+  ALERT("never")
+End If

@@ -1,0 +1,3 @@
+// Required: a hexadecimal literal without digits leaves what follows it.
+Z:=9
+ALERT(String(0xZ))  // expect: 9

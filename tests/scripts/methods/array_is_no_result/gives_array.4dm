@@ -1,0 +1,2 @@
+// Makes its result an array.
+ARRAY LONGINT($0;3)

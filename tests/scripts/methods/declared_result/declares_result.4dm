@@ -1,0 +1,2 @@
+// Declares its result only.
+C_LONGINT($0;$1)

@@ -1,0 +1,2 @@
+// Fails.
+$0:=$missing  // error: -14 Unknown Variable "$missing"

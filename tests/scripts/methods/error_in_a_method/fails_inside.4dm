@@ -1,0 +1,4 @@
+// Calls a method that fails.
+ALERT("inside")
+fails_deeper($1)
+ALERT("never")

@@ -1,0 +1,3 @@
+// Prints and gives back a text.
+ALERT("plain")
+$0:="plain"

@@ -1,0 +1,3 @@
+// Uses locals of its own.
+$x:=2
+$hidden:=3

@@ -1,0 +1,2 @@
+// A parameter has the kind of its value.
+refill_it("text")

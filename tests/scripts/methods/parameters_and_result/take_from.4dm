@@ -1,0 +1,2 @@
+// The first parameter less the second.
+$0:=$1-$2

@@ -1,0 +1,3 @@
+// Prints and gives back its parameter.
+ALERT("logged")
+$0:=$1

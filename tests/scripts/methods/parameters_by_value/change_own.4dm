@@ -1,0 +1,3 @@
+// Changes its own parameters.
+$1:=$1+1
+$2:=$2+"d"

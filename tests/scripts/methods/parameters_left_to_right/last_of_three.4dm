@@ -1,0 +1,2 @@
+// Prints its third parameter.
+ALERT("called with "+$3)

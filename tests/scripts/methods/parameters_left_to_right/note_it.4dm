@@ -1,0 +1,3 @@
+// Prints its parameter and gives it back.
+ALERT($1)
+$0:=$1

@@ -1,0 +1,3 @@
+// Changes variables that every method sees.
+vshared:="changed"
+<>vshared:="changed as well"

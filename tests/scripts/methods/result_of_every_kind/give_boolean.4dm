@@ -1,0 +1,2 @@
+// Gives back a truth value.
+$0:=$1>3

@@ -1,0 +1,3 @@
+// Gives back an object.
+$0:=New object
+$0.name:=$1

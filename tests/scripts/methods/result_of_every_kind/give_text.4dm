@@ -1,0 +1,2 @@
+// Gives back a text.
+$0:=$1+"!"

@@ -1,0 +1,2 @@
+// Sets no result.
+$local:=$1

@@ -1,0 +1,3 @@
+// A member of a number cannot be read.
+$n:=5
+$x:=$n.a  // error: -10 Syntax error: No Object Ref

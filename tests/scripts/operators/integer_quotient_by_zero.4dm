@@ -1,0 +1,3 @@
+// The integer quotient by zero sets no error.
+$x:=7\0
+ALERT("no error")  // expect: no error

@@ -1,0 +1,2 @@
+// A dereference needs a variable that exists.
+$x:=vp->  // error: -11 Variable "vp" not found!

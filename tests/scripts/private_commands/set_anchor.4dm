@@ -1,0 +1,3 @@
+// _SET ANCHOR does nothing where nobody answers.
+_SET ANCHOR("here")
+ALERT("end")  // expect: end

@@ -1,0 +1,2 @@
+// An assignment needs a value.
+$x:=  // error: -5 Undefined assignment variable type

@@ -1,0 +1,3 @@
+// A declaration without parameters does nothing.
+C_LONGINT
+ALERT("end")  // expect: end

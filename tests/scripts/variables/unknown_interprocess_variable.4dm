@@ -1,0 +1,2 @@
+// An interprocess variable is shown with its prefix.
+$x:=<>unknown  // error: -14 Unknown Variable "<>unknown"

@@ -1,0 +1,2 @@
+// A local is shown with its prefix.
+$x:=$unknown  // error: -14 Unknown Variable "$unknown"
