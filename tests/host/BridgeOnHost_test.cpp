@@ -231,7 +231,6 @@ TEST_F(BridgeOnHost, Language_CommandsMethodsExpressions_Run) {
     r = PA_ExecuteFunction(&s);
     EXPECT_EQ(PA_GetLastError(), 4004);
     EXPECT_EQ(r.fType, eVK_Undefined);
-    PA_DisposeUnistring(&s);
     r = PA_ExecuteFunction(&b);
     EXPECT_EQ(PA_GetLastError(), 4004);
     host->registerMethod(u"Twice", [](std::span<zrhost::Value> a) { return zrhost::Value(a[0].number() * 2); });
