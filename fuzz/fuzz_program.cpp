@@ -30,7 +30,9 @@ static zrtool::Interpreter& StartedInterpreter() {
 }
 
 static void RunOnce(zrtool::Interpreter& interpreter, std::string_view code) {
-    zrtool::Program program(interpreter, {});
+    zrtool::MethodFolder folder;
+    folder.addFile({u"input", "input"});  // so that it can call itself
+    zrtool::Program program(interpreter, folder);
     zrtool::SourceFile source;
     source.path = "input";
     source.bytes = code;
