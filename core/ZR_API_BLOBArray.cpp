@@ -41,16 +41,16 @@ ZR_Handle* ZR_Handle::ExpandBLOBArray(long* n) const {
     *n = 0;
     long cursor = 0;
     if (count < kBLOBArrayHeader || !data || elementSize < 1 || ReadLong(&cursor) != kBLOBArrayMagic) return nullptr;
-    long elements = ReadLong(&cursor), total = ReadLong(&cursor);
+    long elementCount = ReadLong(&cursor), totalSize = ReadLong(&cursor);
     // Guard: with neither number negative the list is no longer than the bytes that carry it.
-    if (elements < 0 || total < 0 || total + kBLOBArrayHeader + 4 * elements != count) return nullptr;
-    auto blocks = new (std::nothrow) ZR_Handle[static_cast<size_t>(elements)];
+    if (elementCount < 0 || totalSize < 0 || totalSize + kBLOBArrayHeader + 4 * elementCount != count) return nullptr;
+    auto blocks = new (std::nothrow) ZR_Handle[static_cast<size_t>(elementCount)];
     if (!blocks) return nullptr;
-    for (long i = 0; i < elements; ++i) {
+    for (long i = 0; i < elementCount; ++i) {
         blocks[i].Create(1, 0);
         ReadBlock(this, &cursor, &blocks[i]);
     }
-    *n = elements;
+    *n = elementCount;
     return blocks;
 }
 

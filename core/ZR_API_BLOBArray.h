@@ -2,8 +2,8 @@
 //
 //     offset  size
 //     0       4     "sako"
-//     4       4     number of blocks, high byte first
-//     8       4     sum of the block sizes, without their size fields
+//     4       4     elementCount: number of blocks, high byte first
+//     8       4     totalSize: sum of the block sizes, without their size fields
 //     12      4     size of block 1
 //     16            bytes of block 1, then size and bytes of block 2, nothing between
 //

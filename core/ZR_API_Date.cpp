@@ -74,17 +74,20 @@ static void PreviousMonth(ZR_Date* date) {
     date->day = Short(ZR_DaysOfMonth(date->month, date->year));
 }
 
-// Whole years from a January 1st, 400 at once where 16 bits allow.
-static unsigned long SkipYears(ZR_Date* date, unsigned long days) {
-    while (days >= kDaysOfCycle && date->year < kYears / 2 - 400) {
-        days -= kDaysOfCycle;
-        date->year = Short(date->year + 400L);
+// Whole years from a January 1st up (by 1) or from a December 31st down (by -1), 400 at once where 16 bits allow.
+static unsigned long SkipYears(ZR_Date* date, unsigned long days, long by) {
+    for (;;) {
+        long far = date->year + 400 * by;
+        if (days >= kDaysOfCycle && far >= -kYears / 2 && far < kYears / 2) {
+            days -= kDaysOfCycle;
+            date->year = Short(far);
+        } else if (auto length = static_cast<unsigned long>(DaysOfYear(date->year)); days >= length) {
+            days -= length;
+            date->year = Short(date->year + by);
+        } else {
+            return days;
+        }
     }
-    while (days >= static_cast<unsigned long>(DaysOfYear(date->year))) {
-        days -= static_cast<unsigned long>(DaysOfYear(date->year));
-        date->year = Short(date->year + 1L);
-    }
-    return days;
 }
 
 static void StepForward(ZR_Date* date, unsigned long days) {
@@ -108,7 +111,7 @@ static void StepForward(ZR_Date* date, unsigned long days) {
         NextMonth(date);
         if (!within) days %= static_cast<unsigned long>(DaysOfAllYears());
         within = true;
-        if (date->month == 1) days = SkipYears(date, days);
+        if (date->month == 1) days = SkipYears(date, days, 1);
     }
 }
 
@@ -131,11 +134,9 @@ static void StepBackward(ZR_Date* date, unsigned long days) {
         }
         days -= toFirst + 1;
         PreviousMonth(date);
-        if (within) continue;
+        if (!within) days %= static_cast<unsigned long>(DaysOfAllYears());
         within = true;
-        // The rest goes forward: so many days back is all days less so many forward.
-        auto all = static_cast<unsigned long>(DaysOfAllYears());
-        return StepForward(date, (all - days % all) % all);
+        if (date->month == 12) days = SkipYears(date, days, -1);
     }
 }
 

@@ -66,19 +66,21 @@ struct BlobElement {
 #pragma pack(pop)
 static_assert(sizeof(BlobElement) == ZR_HostArrayElementSize(eVK_ArrayBlob), "element of a BLOB array");
 
+// Storage that one place alone can own. Pictures and objects are counted: the same one may come with one more count.
 static const void* StorageOf(const PA_Unistring& string) { return string.fString; }
 static const void* StorageOf(const BlobElement& blob) { return blob.data; }
-static const void* StorageOf(const void* owned) { return owned; }
+static const void* StorageOf(PA_Handle handle) { return handle; }
+static const void* StorageOf(void*) { return nullptr; }
 
 // Hands value over to the element and answers what is left for the caller to free: the old element, or value itself if
-// there is no such element, or nothing if the element has got back what it held.
+// there is no such element, or nothing if the element has got back the storage it held.
 template <class T>
 static T ReplaceElement(PA_Variable* array, int kind, long index, T value) {
     char* element = ElementOf(array, kind, index);
     if (element == nullptr) return value;
     T old = ZR_ReadAt<T>(element);
     ZR_WriteAt(element, value);
-    return StorageOf(old) == StorageOf(value) ? T() : old;
+    return StorageOf(old) != nullptr && StorageOf(old) == StorageOf(value) ? T() : old;
 }
 
 // Longint and time arrays hold the same elements.

@@ -78,7 +78,7 @@ void PA_SetPictureParameter(PluginBlock* block, short index, PA_Picture picture)
     if (ParameterAt(block, index) == nullptr) return ZR_FreePicture(picture);
     PA_Picture old = GetParameter<PA_Picture>(block, index);
     SetParameter(block, index, picture);
-    if (old != picture) ZR_FreePicture(old);
+    ZR_FreePicture(old);
 }
 
 // Bytes behind the filler that a kind uses.

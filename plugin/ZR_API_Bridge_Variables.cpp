@@ -206,7 +206,7 @@ void PA_SetPictureVariable(PA_Variable* variable, PA_Picture picture) {
     if (!IsKind(variable, eVK_Picture)) return ZR_FreePicture(picture);
     PA_Picture old = variable->uValue.fPicture;
     variable->uValue.fPicture = picture;
-    if (old != picture) ZR_FreePicture(old);
+    ZR_FreePicture(old);  // the same picture as well: a duplicate may be one more count on it
 }
 
 void PA_SetObjectVariable(PA_Variable* variable, PA_ObjectRef object) {

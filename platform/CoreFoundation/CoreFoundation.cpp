@@ -243,8 +243,8 @@ CFStringRef CFUUIDCreateString(CFAllocatorRef allocator, CFUUIDRef uuid) {
     size_t at = 0;
     for (int i = 0; i < 16; ++i) {
         if (i == 4 || i == 6 || i == 8 || i == 10) text[at++] = '-';
-        text[at++] = static_cast<UniChar>(kHex[uuid->bytes.byte[i] >> 4]);
-        text[at++] = static_cast<UniChar>(kHex[uuid->bytes.byte[i] & 15]);
+        text[at++] = static_cast<UInt8>(kHex[uuid->bytes.byte[i] >> 4]);
+        text[at++] = static_cast<UInt8>(kHex[uuid->bytes.byte[i] & 15]);
     }
     return CFStringCreateWithCharacters(allocator, text.data(), static_cast<CFIndex>(text.size()));
 }
