@@ -36,13 +36,6 @@ void Put(void* at, T value) {
     std::memcpy(at, &value, sizeof value);
 }
 
-int32_t CutToLongint(double number) {
-    if (std::isnan(number)) return 0;
-    if (number >= 2147483647.0) return INT32_MAX;
-    if (number <= -2147483648.0) return INT32_MIN;
-    return int32_t(number);
-}
-
 PA_Variable EmptyRecord(int kind = eVK_Undefined) {
     PA_Variable record;
     std::memset(&record, 0, sizeof record);
