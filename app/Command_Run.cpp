@@ -119,18 +119,18 @@ static MethodFolder FolderOfRun(const Arguments& arguments) {
     MethodFolder folder;
     folder.add(FolderOf(file));
     if (auto project = arguments.value("project")) folder.addProject(*project);
-    if (file != "-") folder.addFile({MethodNameOf(file), file});
+    if (file != "-") folder.addFile(file);
     return folder;
 }
 
 // The method to start: that of FILE, or another one by its name.
 static long StartedMethod(Program& program, const Arguments& arguments, SourceFile source) {
     std::string path = source.path;
-    std::u16string name = path == "-" ? u"" : MethodNameOf(path);
+    std::string name = path == "-" ? "" : MethodNameOf(path);
     long reference = program.addMethod(name, std::move(source));
     auto wanted = arguments.value("method");
     if (!wanted) return reference;
-    long other = program.referenceOf(Utf16Of(*wanted));
+    long other = program.referenceOf(*wanted);
     if (other) return other;
     throw Refusal{"there is no method " + Quoted(*wanted) + " beside " + (path == "-" ? "<stdin>" : Shown(path))};
 }
@@ -184,7 +184,7 @@ static std::string JsonError(Program& program) {
     bool failed = !places.empty();
     std::string out = "{\"number\":" + std::to_string(context->lastError);
     out += ",\"line\":" + std::to_string(failed ? places[0].line : 0) + ",\"method\":";
-    AppendJsonText(out, failed ? std::u16string_view(places[0].method) : std::u16string_view());
+    AppendJsonText(out, failed ? std::string_view(places[0].method) : std::string_view());
     out += ",\"text\":";
     AppendJsonText(out, failed ? UnitsOf(context->lastErrorText) : std::u16string_view());
     return out + "}";
