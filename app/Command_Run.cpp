@@ -140,11 +140,20 @@ static long StartedMethod(Program& program, const Arguments& arguments, SourceFi
 static constexpr size_t kLongestLineShown = 160;  // bytes
 static constexpr size_t kFirstCallsShown = 20, kLastCallsShown = 5;
 
+// Nothing in a message steers the terminal.
+static char Harmless(char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n' ? '?' : c; }
+
+static std::string ErrorTextShown(const ZR_Text& text) {
+    std::string shown = LineOf(UnitsOf(text));
+    for (char& c : shown) c = Harmless(c);
+    return shown;
+}
+
 static std::string SourceLineShown(std::string_view line) {
     std::string shown;
     size_t end = std::min(line.size(), kLongestLineShown);
     while (end < line.size() && end > 0 && (line[end] & 0xC0) == 0x80) --end;
-    for (char c : line.substr(0, end)) shown += static_cast<unsigned char>(c) < ' ' && c != '\t' ? '?' : c;
+    for (char c : line.substr(0, end)) shown += Harmless(c);
     return end < line.size() ? shown + "..." : shown;
 }
 
@@ -173,7 +182,7 @@ static void PrintError(Program& program) {
     std::string number = std::to_string(place.line);
     std::string message = bold + place.path + ":" + number + ": " + plain + red + "error " +
                           std::to_string(program.context()->lastError) + ": " + plain +
-                          LineOf(UnitsOf(program.context()->lastErrorText)) + "\n";
+                          ErrorTextShown(program.context()->lastErrorText) + "\n";
     if (!place.source.empty()) message += "  " + number + " | " + SourceLineShown(place.source) + "\n";
     Print(message + CallsShown(places));
 }

@@ -143,6 +143,29 @@ TEST(Options, Completion_OffersCommandsOptionsWordsAndFiles) {
     }
 }
 
+// Examples ----------------------------------------------------------------------------------------------------------
+
+TEST(Examples, Tour_RunsToItsEnd) {
+    const ToolResult run = RunTool({"run", ZR_SOURCE_DIR "/examples/tour.4dm"});
+    EXPECT_EQ(run.status, kOk);
+    EXPECT_EQ(run.err, "");
+    for (const char* line :
+         {"ADA begins with A and reads adA from behind.", "2+3*4 is 20, 2+(3*4) is 14",
+          "A thousand days later it was Saturday, April 15, 1972.", "In their order: Mercury Venus Earth Mars",
+          "Luna circles Earth and measures 3474.8 km across.", "From 27 down to 1 in 111 steps.",
+          "From 9 to 15: Fizz Buzz 11 Fizz 13 14 Fizz buzz", "10! is 3628800", "In the basket: apples, pears, plums",
+          "84/0 is not a number"})
+        EXPECT_TRUE(Has(run.out, std::string("\n") + line + "\n")) << line;
+}
+
+TEST(Examples, Oops_ShowsAnErrorWithItsCalls) {
+    const std::string folder = ZR_SOURCE_DIR "/examples/";
+    const ToolResult run = RunTool({"run", folder + "oops.4dm"});
+    EXPECT_EQ(run.status, kCodeFailed);
+    EXPECT_EQ(run.err, folder + "Average of nothing.4dm:3: error -2: Division by zero\n  3 | $0:=100/$count\n" +
+                           "  called from " + folder + "oops.4dm:3\n");
+}
+
 // --set -------------------------------------------------------------------------------------------------------------
 
 TEST(Set, Value_TellsTheKind) {
