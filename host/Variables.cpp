@@ -237,7 +237,8 @@ bool WriteAt(int kind, char* at, const Value& value) {
 int64_t LastElement(const PA_Variable& array, int elementSize) {
     int64_t bytes = HandleSize(array.uValue.fArray.fData);
     if (bytes < elementSize) return -1;
-    return std::min<int64_t>(std::max<int32_t>(array.uValue.fArray.fSize, 0), bytes / elementSize - 1);
+    int64_t size = array.uValue.fArray.fSize;
+    return std::min(std::max<int64_t>(size, 0), bytes / elementSize - 1);
 }
 
 }  // namespace

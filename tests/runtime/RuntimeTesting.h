@@ -535,6 +535,11 @@ class Recorder {
     }
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
+    std::string last(const std::string& name) const {  // the last call of that command, method or ".member"
+        for (auto call = calls.rbegin(); call != calls.rend(); ++call)
+            if ((call->command ? std::to_string(call->command) : call->name) == name) return call->text();
+        return "not called";
+    }
     std::string text() const {
         std::string all;
         for (const HostCall& call : calls) all += (all.empty() ? "" : " ") + call.text();

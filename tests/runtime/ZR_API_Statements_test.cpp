@@ -1,3 +1,4 @@
+#include "tests/runtime/FieldHost.h"
 #include "tests/runtime/RuntimeTesting.h"
 
 using namespace rt;
@@ -593,45 +594,6 @@ TEST(Pointers, Followed_ToAField_GivesTheFieldToken) {
 }
 
 // Fields -----------------------------------------------------------------------------------------------------------
-
-namespace {
-
-// A host with a table 1 whose field N is of type N; the rest of the structure is unknown.
-class FieldHost {
-  public:
-    FieldHost() {
-        recorder.intercept = [this](int selector, EngineBlock* block) { return Serve(selector, block); };
-    }
-    Recorder recorder;
-    std::vector<std::string> stored;
-
-  private:
-    bool Serve(int selector, EngineBlock* block) {
-        if (selector == ZR_SEL_ExecuteCommand && (block->fParam3 == 999 || block->fParam3 == 1000)) {
-            auto** parameters = reinterpret_cast<PA_Variable**>(block->fParam1);
-            bool valid = PA_GetLongintVariable(parameters[0]) == 1;
-            auto* result = reinterpret_cast<PA_Variable*>(block->fParam2);
-            *result = PA_CreateVariable(eVK_Boolean);
-            PA_SetBooleanVariable(result, valid);
-            block->fError = 0;
-            return true;
-        }
-        if (selector == ZR_SEL_FieldProperties) {
-            block->fParam3 = block->fParam2 - 100;
-            block->fError = 0;
-            return true;
-        }
-        if (selector == ZR_SEL_SetField) {
-            stored.push_back(std::to_string(block->fParam2 - 100) + " " +
-                             Describe(*reinterpret_cast<PA_Variable*>(block->fParam3)));
-            block->fError = 0;
-            return true;
-        }
-        return false;
-    }
-};
-
-}  // namespace
 
 TEST(SetField, ByFieldType_StoresOrRefuses) {
     enum { kText, kNumber, kDate, kBoolean, kTime, kBlob, kKinds };
