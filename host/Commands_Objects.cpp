@@ -25,10 +25,11 @@ Value ConvertedTo(const Host& host, const Value& value, int kind) {
             const bool structured = value.kind() == eVK_Object || value.kind() == eVK_Collection;
             return Value(structured ? FromUtf8(WriteJson(value)) : TextOf(host, value));
         }
-        case eVK_Real: return Value(value.isText() ? NumberOf(value.text(), CurrentLocale().decimal) : value.number());
+        case eVK_Real:
+            return Value(value.isText() ? ReadNumber(value.text(), CurrentLocale().decimal) : value.number());
         case eVK_Integer:
         case eVK_Longint:
-            return Value::Longint(value.isText() ? Value(NumberOf(value.text(), CurrentLocale().decimal)).integer()
+            return Value::Longint(value.isText() ? Value(ReadNumber(value.text(), CurrentLocale().decimal)).integer()
                                                  : value.integer());
         case eVK_Date:
             return Value(value.isText() ? ReadDate(value.text().substr(0, value.text().find(u'T'))) : value.date());

@@ -49,9 +49,6 @@ void Finish(CommandCall& call, int error);
 // The text that String gives for a value: numbers in their shortest form, dates and times in the system's short one.
 std::u16string TextOf(const Host& host, const Value& value);
 
-// The number that Num reads in a text: what is no digit is passed over, and a hyphen behind a digit ends it.
-double NumberOf(std::u16string_view text, char16_t decimalSeparator);
-
 // A kind as the constants of the language number it: text 2, picture 3, text array 18; others as they are.
 int LanguageKind(int kind);
 

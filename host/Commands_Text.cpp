@@ -95,7 +95,7 @@ void Num(CommandCall& call) {
         return call.setReal(base >= 2 && base <= 36 ? NumberInBase(call.text(1), base) : 0);
     }
     const std::u16string_view separator = call.text(2);
-    call.setReal(NumberOf(call.text(1), separator.empty() ? CurrentLocale().decimal : separator[0]));
+    call.setReal(ReadNumber(call.text(1), separator.empty() ? CurrentLocale().decimal : separator[0]));
 }
 
 // Parts of a text --------------------------------------------------------------------------------------------------
@@ -317,16 +317,6 @@ constexpr CommandRow kRows[] = {
 };
 
 }  // namespace
-
-double NumberOf(std::u16string_view text, char16_t decimalSeparator) {
-    bool digits = false;
-    for (size_t i = 0; i < text.size(); ++i) {
-        const bool exponent = i > 0 && (text[i - 1] | 0x20) == u'e';
-        if (text[i] == u'-' && digits && !exponent) return ReadNumber(text.substr(0, i), decimalSeparator);
-        digits = digits || (text[i] >= u'0' && text[i] <= u'9');
-    }
-    return ReadNumber(text, decimalSeparator);
-}
 
 std::u16string TextOf(const Host& host, const Value& value) {
     switch (value.kind()) {

@@ -55,6 +55,18 @@ TEST_F(Processes, NewProcess_Method_RunsWithItsArguments) {
     host->waitForProcess(lost);
 }
 
+TEST_F(Processes, CountTasks_WithAGap_ReachesTheHighestNumber) {
+    auto wait = [this] {
+        while (!host->interrupted()) Run(311);
+    };
+    const int first = host->runProcess(u"First", false, [] {}), second = host->runProcess(u"Second", false, wait);
+    host->waitForProcess(first);
+    EXPECT_EQ(Run(335).integer(), second);
+    EXPECT_EQ(Run(343).integer(), 2);
+    Run(1634, {second});
+    host->waitForProcess(second);
+}
+
 TEST_F(Processes, NewProcess_SameNameWithStar_IsNotStartedTwice) {
     host->registerMethod(u"Wait", [this](std::span<Value>) {
         Run(323, {host->currentProcess().number, 6000});
