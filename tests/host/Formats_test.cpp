@@ -165,7 +165,7 @@ TEST_F(HostFormats, ReadNumber_ReadsDigitsWhateverStandsBetween) {
         {u"", 0},         {u"ABCD", 0},        {u"A1B2C3", 123}, {u"123", 123},         {u"123.4", 123.4},
         {u"-123", -123},  {u"-123e2", -12300}, {u"1e-2", 0.01},  {u"$1,234.5", 1234.5}, {u"- 5", -5},
         {u"1.2.3", 1.23}, {u"e5", 5},          {u"5e", 5},       {u"1e9999", HUGE_VAL}, {u"1e-9999", 0},
-        {u".5", 0.5},     {u"hello 7", 7},     {u"5-3", 53},
+        {u".5", 0.5},     {u"hello 7", 7},     {u"5-3", 5},      {u"12e-1-5", 1.2},
     };
     for (const auto& row : rows) EXPECT_EQ(ReadNumber(row.text, u'.'), row.number) << ToUtf8(row.text);
     EXPECT_EQ(ReadNumber(u"1.234,5", u','), 1234.5);
