@@ -119,18 +119,18 @@ static MethodFolder FolderOfRun(const Arguments& arguments) {
     MethodFolder folder;
     folder.add(FolderOf(file));
     if (auto project = arguments.value("project")) folder.addProject(*project);
-    if (file != "-") folder.addFile({MethodNameOf(file), file});
+    if (file != "-") folder.addFile(file);
     return folder;
 }
 
 // The method to start: that of FILE, or another one by its name.
 static long StartedMethod(Program& program, const Arguments& arguments, SourceFile source) {
     std::string path = source.path;
-    std::u16string name = path == "-" ? u"" : MethodNameOf(path);
+    std::string name = path == "-" ? "" : MethodNameOf(path);
     long reference = program.addMethod(name, std::move(source));
     auto wanted = arguments.value("method");
     if (!wanted) return reference;
-    long other = program.referenceOf(Utf16Of(*wanted));
+    long other = program.referenceOf(*wanted);
     if (other) return other;
     throw Refusal{"there is no method " + Quoted(*wanted) + " beside " + (path == "-" ? "<stdin>" : Shown(path))};
 }
@@ -140,11 +140,20 @@ static long StartedMethod(Program& program, const Arguments& arguments, SourceFi
 static constexpr size_t kLongestLineShown = 160;  // bytes
 static constexpr size_t kFirstCallsShown = 20, kLastCallsShown = 5;
 
+// Nothing in a message steers the terminal.
+static char Harmless(char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t' && c != '\n' ? '?' : c; }
+
+static std::string ErrorTextShown(const ZR_Text& text) {
+    std::string shown = LineOf(UnitsOf(text));
+    for (char& c : shown) c = Harmless(c);
+    return shown;
+}
+
 static std::string SourceLineShown(std::string_view line) {
     std::string shown;
     size_t end = std::min(line.size(), kLongestLineShown);
     while (end < line.size() && end > 0 && (line[end] & 0xC0) == 0x80) --end;
-    for (char c : line.substr(0, end)) shown += static_cast<unsigned char>(c) < ' ' && c != '\t' ? '?' : c;
+    for (char c : line.substr(0, end)) shown += Harmless(c);
     return end < line.size() ? shown + "..." : shown;
 }
 
@@ -173,7 +182,7 @@ static void PrintError(Program& program) {
     std::string number = std::to_string(place.line);
     std::string message = bold + place.path + ":" + number + ": " + plain + red + "error " +
                           std::to_string(program.context()->lastError) + ": " + plain +
-                          LineOf(UnitsOf(program.context()->lastErrorText)) + "\n";
+                          ErrorTextShown(program.context()->lastErrorText) + "\n";
     if (!place.source.empty()) message += "  " + number + " | " + SourceLineShown(place.source) + "\n";
     Print(message + CallsShown(places));
 }
@@ -184,7 +193,7 @@ static std::string JsonError(Program& program) {
     bool failed = !places.empty();
     std::string out = "{\"number\":" + std::to_string(context->lastError);
     out += ",\"line\":" + std::to_string(failed ? places[0].line : 0) + ",\"method\":";
-    AppendJsonText(out, failed ? std::u16string_view(places[0].method) : std::u16string_view());
+    AppendJsonText(out, failed ? std::string_view(places[0].method) : std::string_view());
     out += ",\"text\":";
     AppendJsonText(out, failed ? UnitsOf(context->lastErrorText) : std::u16string_view());
     return out + "}";

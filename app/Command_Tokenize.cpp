@@ -171,7 +171,7 @@ static MethodFolder FolderOfFile(const Arguments& arguments) {
     MethodFolder folder;
     folder.add(FolderOf(file));
     if (auto project = arguments.value("project")) folder.addProject(*project);
-    if (file != "-") folder.addFile({MethodNameOf(file), file});
+    if (file != "-") folder.addFile(file);
     return folder;
 }
 

@@ -3,22 +3,28 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <memory>
 
 #include "app/Messages.h"
-#include "host/Host.h"
 
 namespace zrtool {
 
 static constexpr std::string_view kSuffix = ".4dm";
 
-static std::u16string Folded(std::u16string_view name) {
-    std::u16string folded(name);
-    for (char16_t& unit : folded)
-        if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 32);
+static char Folded(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+
+std::string Folded(std::string_view name) {
+    std::string folded(name);
+    for (char& c : folded) c = Folded(c);
     return folded;
+}
+
+static bool SameName(std::string_view left, std::string_view right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char a, char b) { return Folded(a) == Folded(b); });
 }
 
 static bool HasSuffix(std::string_view name) {
@@ -32,23 +38,25 @@ std::string FolderOf(const std::string& path) {
     return slash == std::string::npos ? "" : path.substr(0, slash + 1);
 }
 
-std::u16string MethodNameOf(const std::string& path) {
+static size_t NameLength(std::string_view fileName) {
+    size_t dot = fileName.rfind('.');
+    return dot == std::string_view::npos || dot == 0 ? fileName.size() : dot;
+}
+
+std::string MethodNameOf(const std::string& path) {
     std::string name = path.substr(FolderOf(path).size());
-    size_t dot = name.rfind('.');
-    return zrhost::FromUtf8(dot == std::string::npos || dot == 0 ? name : name.substr(0, dot));
+    return name.substr(0, NameLength(name));
 }
 
 void MethodFolder::add(const std::string& folder) {
     std::unique_ptr<DIR, int (*)(DIR*)> open(opendir(folder.empty() ? "." : folder.c_str()), closedir);
     if (!open) return;
+    folders_.push_back(folder.empty() || folder.ends_with('/') ? folder : folder + "/");
     while (dirent* entry = readdir(open.get())) {
         std::string_view name = entry->d_name;
         if (entry->d_type == DT_DIR || !HasSuffix(name)) continue;
-        std::string path = folder;
-        if (!path.empty() && path.back() != '/') path += '/';
-        path += name;
-        name.remove_suffix(kSuffix.size());
-        files_.push_back({zrhost::FromUtf8(name), std::move(path)});
+        size_t length = name.size() - kSuffix.size();
+        files_.push_back({std::string(name.substr(0, length)), std::string(name.substr(length)), folders_.size() - 1});
     }
 }
 
@@ -64,11 +72,16 @@ void MethodFolder::addProject(const std::string& folder) {
     add(base);
 }
 
-void MethodFolder::addFile(const MethodFile& file) {
-    if (!find(file.name)) files_.push_back(file);
+void MethodFolder::addFile(const std::string& path) {
+    std::string name = MethodNameOf(path), folder = FolderOf(path);
+    for (const MethodFile& file : files_)
+        if (SameName(file.name, name)) return;
+    std::string suffix = path.substr(folder.size() + name.size());
+    folders_.push_back(std::move(folder));
+    files_.push_back({std::move(name), std::move(suffix), folders_.size() - 1});
 }
 
-const MethodFile* MethodFolder::find(std::u16string_view name) const {
+const MethodFile* MethodFolder::find(std::string_view name) const {
     for (; indexed_ < files_.size(); ++indexed_) byName_.emplace(Folded(files_[indexed_].name), indexed_);
     auto found = byName_.find(Folded(name));
     return found == byName_.end() ? nullptr : &files_[found->second];

@@ -68,19 +68,12 @@ std::string Interpreter::plainCode(const SourceFile& source) {
 
 // Methods ----------------------------------------------------------------------------------------------------------
 
-static std::u16string Folded(std::u16string_view name) {
-    std::u16string folded(name);
-    for (char16_t& unit : folded)
-        if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 32);
-    return folded;
-}
-
 // So that calls of the folder's methods are recognised as such.
 static void EnterMethods(ZR_ExecutionContext* context, const MethodFolder& folder) {
     ZR_Handle* list = &context->virtualStructure;
     list->growStep = static_cast<long>(folder.files().size());
     for (const MethodFile& file : folder.files()) {
-        Text name(file.name);
+        Text name(Utf16Of(file.name));
         auto* record = reinterpret_cast<ZR_Executer_VirtualStructure*>(list->AppendGetPtr());
         if (record) record->CreateMethod(name.get(), name.get(), context->nextVirtualReference++, 0);
     }
@@ -95,7 +88,8 @@ Program::Program(Interpreter& interpreter, MethodFolder folder)
     context_->methodSource = Provide;
     context_->methodSourceData = this;
     interpreter_.interrupted = [this] { return timeIsUp(); };
-    interpreter_.host().setMethodResolver([this](std::u16string_view name) { return hostMethod(name); });
+    interpreter_.host().setMethodResolver(
+        [this](std::u16string_view name) { return hostMethod(zrhost::ToUtf8(name)); });
 }
 
 Program::~Program() {
@@ -110,8 +104,8 @@ void Program::tokenise(const SourceFile& source, ZR_Handle* blob) {
     interpreter_.executer().Tokenize(text.get(), blob, context_->GetVStructure(nullptr), nullptr, nullptr);
 }
 
-long Program::addMethod(std::u16string_view name, SourceFile source) {
-    Text shownName(name);
+long Program::addMethod(std::string_view name, SourceFile source) {
+    Text shownName(Utf16Of(name));
     Block blob;
     tokenise(source, blob.get());
     long reference = context_->nextMethodReference;
@@ -122,24 +116,24 @@ long Program::addMethod(std::u16string_view name, SourceFile source) {
         context_->DeleteMethodByID(reference);
         throw Refusal{source.shownPath() + " is not a token blob"};
     }
-    loaded_[reference] = {std::u16string(name), std::move(source)};
+    references_.emplace(Folded(name), reference);
+    loaded_[reference] = {std::string(name), std::move(source)};
     return reference;
 }
 
-long Program::referenceOf(std::u16string_view name) {
-    std::u16string folded = Folded(name);
-    for (const auto& [reference, loaded] : loaded_)
-        if (Folded(loaded.name) == folded) return reference;
+long Program::referenceOf(std::string_view name) {
+    auto found = references_.find(Folded(name));
+    if (found != references_.end()) return found->second;
     const MethodFile* file = folder_.find(name);
-    return file ? addMethod(file->name, ReadSource(file->path)) : 0;
+    return file ? addMethod(file->name, ReadSource(folder_.pathOf(*file))) : 0;
 }
 
 bool Program::Provide(ZR_ExecutionContext*, ZR_Text* name, void* program) {
-    return static_cast<Program*>(program)->provide(UnitsOf(*name));
+    return static_cast<Program*>(program)->provide(Utf8Of(*name));
 }
 
 // Called from within the run: nothing may be thrown, the error goes to the context.
-bool Program::provide(std::u16string_view name) {
+bool Program::provide(const std::string& name) {
     if (unreadable_.contains(Folded(name))) return false;
     std::string sentence;
     try {
@@ -154,14 +148,11 @@ bool Program::provide(std::u16string_view name) {
 }
 
 // Methods that the host is asked for by name, by EXECUTE METHOD and its like. They run in the same context.
-zrhost::Method Program::hostMethod(std::u16string_view name) {
+zrhost::Method Program::hostMethod(const std::string& name) {
     if (std::this_thread::get_id() != thread_) return nullptr;
-    std::u16string folded = Folded(name);
-    bool known = false;
-    for (const auto& [reference, loaded] : loaded_) known = known || Folded(loaded.name) == folded;
-    if (!known && (!folder_.find(name) || !provide(name))) return nullptr;
-    return
-        [this, called = std::u16string(name)](std::span<zrhost::Value> arguments) { return call(called, arguments); };
+    bool loaded = references_.contains(Folded(name));
+    if (!loaded && (!folder_.find(name) || !provide(name))) return nullptr;
+    return [this, name](std::span<zrhost::Value> arguments) { return call(name, arguments); };
 }
 
 static void AppendTokenOf(ZR_Handle* list, const zrhost::Value& value) {
@@ -180,8 +171,8 @@ static zrhost::Value ValueOf(ZR_Executer_Token* token) {
     return value;
 }
 
-zrhost::Value Program::call(std::u16string_view name, std::span<zrhost::Value> arguments) {
-    Text calledName(name);
+zrhost::Value Program::call(const std::string& name, std::span<zrhost::Value> arguments) {
+    Text calledName(Utf16Of(name));
     ZR_Handle parameters;
     zrExe_CreateTokens(&parameters);
     for (const zrhost::Value& argument : arguments) AppendTokenOf(&parameters, argument);
@@ -287,7 +278,7 @@ bool Program::timeIsUp() {
 
 Program::Place Program::place(long reference, long line) const {
     auto found = loaded_.find(reference);
-    if (found == loaded_.end()) return {"<unknown>", u"", line, {}};
+    if (found == loaded_.end()) return {"<unknown>", "", line, {}};
     const SourceFile& source = found->second.source;
     return {source.shownPath(), found->second.name, line, source.isBlob ? std::string_view() : source.line(line)};
 }

@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <thread>
+#include <unordered_map>
 #include <vector>
 
 #include "app/Folder.h"
@@ -78,17 +79,17 @@ class Program {
 
     ZR_ExecutionContext* context() { return context_; }
     const MethodFolder& folder() const { return folder_; }
-    void tokenise(const SourceFile& source, ZR_Handle* blob);     // of a blob file: its bytes
-    long addMethod(std::u16string_view name, SourceFile source);  // its reference; throws Refusal
-    long referenceOf(std::u16string_view name);                   // read if need be; 0 = none; throws Refusal
-    void allowOnly(const std::vector<std::string>& lists);        // names or numbers, separated by commas
-    void deny(const std::vector<std::string>& lists);             // the same; both throw Refusal
-    void declare(long reference, std::string_view assignment);    // NAME=VALUE, see Values.h; throws Refusal
-    void run(long reference, double seconds);                     // 0 = as long as it takes
+    void tokenise(const SourceFile& source, ZR_Handle* blob);   // of a blob file: its bytes
+    long addMethod(std::string_view name, SourceFile source);   // its reference; throws Refusal
+    long referenceOf(std::string_view name);                    // read if need be; 0 = none; throws Refusal
+    void allowOnly(const std::vector<std::string>& lists);      // names or numbers, separated by commas
+    void deny(const std::vector<std::string>& lists);           // the same; both throw Refusal
+    void declare(long reference, std::string_view assignment);  // NAME=VALUE, see Values.h; throws Refusal
+    void run(long reference, double seconds);                   // 0 = as long as it takes
 
     struct Place {         // of an error or a call
         std::string path;  // for messages
-        std::u16string method;
+        std::string method;
         long line = 0;
         std::string_view source;  // the line; borrowed; empty = unknown
     };
@@ -96,25 +97,26 @@ class Program {
 
   private:
     struct Loaded {
-        std::u16string name;
+        std::string name;
         SourceFile source;
     };
     static bool Provide(ZR_ExecutionContext* context, ZR_Text* name, void* program);
-    bool provide(std::u16string_view name);
+    bool provide(const std::string& name);
     bool timeIsUp();
     Place place(long reference, long line) const;
-    zrhost::Method hostMethod(std::u16string_view name);
-    zrhost::Value call(std::u16string_view name, std::span<zrhost::Value> arguments);
+    zrhost::Method hostMethod(const std::string& name);
+    zrhost::Value call(const std::string& name, std::span<zrhost::Value> arguments);
     std::vector<long> numbersOf(const std::vector<std::string>& lists);
     void setAllowed(const std::vector<long>& numbers, ZR_EXE_SetAllowed mode);
 
     Interpreter& interpreter_;
     MethodFolder folder_;
     ZR_ExecutionContext* context_ = nullptr;
-    std::map<long, Loaded> loaded_;        // by method reference
-    std::set<std::u16string> unreadable_;  // names whose file could not be read
-    std::thread::id thread_;               // that runs the context
-    double deadline_ = 0;                  // monotonic seconds; 0 = none
+    std::map<long, Loaded> loaded_;                     // by method reference
+    std::unordered_map<std::string, long> references_;  // by folded name
+    std::set<std::string> unreadable_;                  // names whose file could not be read
+    std::thread::id thread_;                            // that runs the context
+    double deadline_ = 0;                               // monotonic seconds; 0 = none
 };
 
 }  // namespace zrtool

@@ -121,7 +121,7 @@ static void AppendRoffParagraphs(std::string& out, std::string_view text) {
     bool asItStands = false;
     for (std::string_view line : SplitLines(text)) {
         bool indented = !line.empty() && line[0] == ' ';
-        if (indented && !asItStands) out += ".PP\n.nf\n";
+        if (indented && !asItStands) out += ".nf\n";
         if (!indented && asItStands) out += ".fi\n";
         asItStands = indented;
         if (line.empty()) out += ".PP\n";
@@ -141,12 +141,14 @@ static void AppendRoffOption(std::string& out, const OptionRow& row) {
 std::string ManualPage() {
     std::string out = ".TH ZR 1 \"\" \"zr " ZR_VERSION "\" \"zr\"\n.SH NAME\nzr \\- runs 4D code\n.SH SYNOPSIS\n";
     for (const CommandRow& command : Commands()) {
-        out += std::string("\\fBzr ") + command.name + "\\fR " + Roff(command.arguments);
+        out += std::string("\\fBzr ") + command.name + "\\fR";
+        if (*command.arguments) out += " " + Roff(command.arguments);
         out += command.options.empty() ? "\n.br\n" : " [OPTIONS]\n.br\n";
     }
     out += std::string(".SH DESCRIPTION\n") + kPurpose + "\n.SH COMMANDS\n";
     for (const CommandRow& command : Commands()) {
-        out += std::string(".SS zr ") + command.name + " " + Roff(command.arguments) + "\n";
+        out += std::string(".SS zr ") + command.name;
+        out += (*command.arguments ? " " + Roff(command.arguments) : "") + "\n";
         AppendRoffParagraphs(out, command.text);
         for (const OptionRow& row : command.options)
             if (row.help) AppendRoffOption(out, row);

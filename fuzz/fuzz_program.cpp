@@ -30,11 +30,13 @@ static zrtool::Interpreter& StartedInterpreter() {
 }
 
 static void RunOnce(zrtool::Interpreter& interpreter, std::string_view code) {
-    zrtool::Program program(interpreter, {});
+    zrtool::MethodFolder folder;
+    folder.addFile("input");  // so that it can call itself
+    zrtool::Program program(interpreter, folder);
     zrtool::SourceFile source;
     source.path = "input";
     source.bytes = code;
-    long started = program.addMethod(u"input", source);
+    long started = program.addMethod("input", source);
     program.deny({kDenied});
     program.context()->maxCalls = kDeepest;
     program.run(started, kSeconds);

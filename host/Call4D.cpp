@@ -116,7 +116,7 @@ int16_t ServeCompareUnibuffers(Block& block, Host*) {
 
 int16_t ServeConvertCharset(Block& block, Host*) {
     int64_t room = block.fParam2 ? block.fLength2 : 0;
-    bool sane = block.fLength1 >= 0 && room >= 0 && (block.fParam1 || block.fLength1 == 0);
+    bool sane = block.fLength1 >= 0 && block.fLength2 >= 0 && (block.fParam1 || block.fLength1 == 0);
     std::span<const uint8_t> source;
     if (sane && block.fLength1) source = {At<const uint8_t>(block.fParam1), size_t(block.fLength1)};
     int from = int(std::clamp<int64_t>(block.fParam3, -1, 1000)),
@@ -446,7 +446,7 @@ int16_t ServeFormatDate(Block& block, Host* host) {
 }
 
 int16_t ServeFormatTime(Block& block, Host* host) {
-    FillBlockText(block.fText, FormatTime(block.fParam3, Small(block.fParam4), host->inside().locale));
+    FillBlockText(block.fText, FormatTime(block.fParam1, Small(block.fParam4), host->inside().locale));
     return ZR_ERR_NONE;
 }
 

@@ -116,7 +116,8 @@ std::span<const uint8_t> CommandCall::blob(int i) const {
     const PA_Variable& record = Parameter(*this, i);
     if (UnifiedKind(record) != eVK_Blob) return {};
     std::span<const uint8_t> bytes = HandleSpan(record.uValue.fArray.fData);
-    return bytes.first(std::min<size_t>(bytes.size(), size_t(std::max<int32_t>(record.uValue.fArray.fSize, 0))));
+    int64_t size = record.uValue.fArray.fSize;
+    return bytes.first(std::min<size_t>(bytes.size(), size_t(std::max<int64_t>(size, 0))));
 }
 
 Object* CommandCall::object(int i) const {

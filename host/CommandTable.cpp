@@ -9,6 +9,7 @@
     X(commandsBlobs)            \
     X(commandsDates)            \
     X(commandsDocuments)        \
+    X(commandsFonts)            \
     X(commandsLanguage)         \
     X(commandsMath)             \
     X(commandsMessages)         \

@@ -747,7 +747,17 @@ void DocumentToText(CommandCall& call) {
     call.setText(WithBreaks(body, form.breaks));
 }
 
-bool IsUnicode(std::string_view charset) { return EqualNames(FromUtf8(charset.substr(0, 3)), u"UTF"); }
+// The encoded text with or without a byte order mark. Charsets that leave the order open write the mark themselves.
+bool EncodeMarked(std::u16string text, const TextForm& form, std::vector<uint8_t>* bytes) {
+    const std::u16string charset = FromUtf8(form.charset);
+    const bool open16 = EqualNames(charset, u"UTF-16"), open32 = EqualNames(charset, u"UTF-32");
+    const bool unicode = EqualNames(charset.substr(0, 3), u"UTF");
+    if (form.mark && unicode && !open16 && !open32) text.insert(text.begin(), 0xFEFF);
+    if (!EncodeText(text, form.charset, bytes)) return false;
+    if (form.mark || (!open16 && !open32)) return true;
+    bytes->erase(bytes->begin(), bytes->begin() + std::min<std::ptrdiff_t>(open16 ? 2 : 4, std::ssize(*bytes)));
+    return true;
+}
 
 // 1237 TEXT TO DOCUMENT(path; text; [charset]; [breakMode]): UTF-8 with a byte order mark; "-no-bom" behind the charset
 // leaves it out.
@@ -756,10 +766,8 @@ void TextToDocument(CommandCall& call) {
     const std::string path = FullPath(call, 1);
     if (!form.known) return Finish(call, ZR_ERR_PARAMETER);
     if (path.empty()) return Finish(call, kBadName);
-    std::u16string text = WithBreaks(call.text(2), form.breaks);
-    if (form.mark && IsUnicode(form.charset)) text.insert(text.begin(), 0xFEFF);
     std::vector<uint8_t> bytes;
-    if (!EncodeText(text, form.charset, &bytes)) return Finish(call, ZR_ERR_PARAMETER);
+    if (!EncodeMarked(WithBreaks(call.text(2), form.breaks), form, &bytes)) return Finish(call, ZR_ERR_PARAMETER);
     Finish(call, WriteWholeFile(path, bytes));
 }
 

@@ -30,7 +30,7 @@ void ClearVariable(CommandCall& call) { call.clear(1); }
 // 955 Choose(Boolean; ifTrue; ifFalse) | (number; value for 0; value for 1; ...): undefined outside the list
 void Choose(CommandCall& call) {
     const int64_t index = call.kind(1) == eVK_Boolean ? (call.boolean(1) ? 0 : 1) : call.integer64(1, -1);
-    if (index >= 0 && index + 2 <= call.count) call.setValue(call.value(int(index) + 2));
+    if (index >= 0 && index <= call.count - 2) call.setValue(call.value(int(index) + 2));
 }
 
 // Pointers ---------------------------------------------------------------------------------------------------------

@@ -34,7 +34,7 @@ double AtPlaces(double number, int places, double (*whole)(double)) {
     const double scaled = places < 0 ? number / power : number * power;
     if (!(std::fabs(scaled) < 4503599627370496.0)) return number;  // no digits behind the wanted place
     const double result = places < 0 ? whole(scaled) * power : whole(scaled) / power;
-    return std::isfinite(result) ? result : number;
+    return std::isfinite(result) ? result + 0.0 : number;  // no negative zero
 }
 
 // 94 Round(number; places): halves away from zero; negative places round before the point.

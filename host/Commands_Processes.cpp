@@ -63,11 +63,14 @@ void ProcessProperties(CommandCall& call) {
     if (call.has(7)) call.assignLongint(7, 0);
 }
 
-// 335 Count tasks
-void CountTasks(CommandCall& call) { call.setLongint(int32_t(ListProcesses(call.host).size())); }
+// 335 Count tasks: the highest number of a process that is alive, so that a loop up to it meets all of them
+void CountTasks(CommandCall& call) {
+    const std::vector<ProcessFacts> all = ListProcesses(call.host);
+    call.setLongint(all.empty() ? 0 : all.back().number);
+}
 
 // 343 Count user processes: all of this host are
-void CountUserProcesses(CommandCall& call) { CountTasks(call); }
+void CountUserProcesses(CommandCall& call) { call.setLongint(int32_t(ListProcesses(call.host).size())); }
 
 // 342 Count users
 void CountUsers(CommandCall& call) { call.setLongint(1); }

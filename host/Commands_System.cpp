@@ -217,8 +217,8 @@ void VersionType(CommandCall& call) { call.setLongint(1 << 1); }
 // 492 Is compiled mode([*])
 void IsCompiledMode(CommandCall& call) { call.setBoolean(call.host.options().compiled); }
 
-// 182 Current user([kind])
-void CurrentUser(CommandCall& call) { call.setText(std::string_view(SystemUser())); }
+// 182 Current user([kind]): the one user of a database without passwords
+void CurrentUser(CommandCall& call) { call.setText(u"Designer"); }
 
 // 1009 Get database localization([kind]; [*]): the locale, "en-US"
 void GetDatabaseLocalization(CommandCall& call) { call.setText(std::string_view(CurrentLocale().name)); }

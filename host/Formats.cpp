@@ -283,7 +283,8 @@ double ReadNumber(std::u16string_view text, char16_t decimalSeparator) {
         } else if (unit == decimalSeparator && !point && !exponent) {
             number += '.';
             point = true;
-        } else if (unit == u'-' && !any) {
+        } else if (unit == u'-') {
+            if (any) break;  // the number ends
             negative = true;
         } else if ((unit | 0x20) == u'e' && any && !exponent) {
             bool sign = i + 1 < text.size() && (text[i + 1] == u'-' || text[i + 1] == u'+');

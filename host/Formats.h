@@ -56,7 +56,9 @@ std::u16string FormatPattern(Date date, int64_t seconds, std::u16string_view pat
 
 Date ReadDate(std::u16string_view text, const Locale& locale = CurrentLocale());     // empty if unreadable
 int64_t ReadTime(std::u16string_view text, const Locale& locale = CurrentLocale());  // 0 if unreadable
-double ReadNumber(std::u16string_view text, char16_t decimalSeparator);              // as Num reads: see the source
+// As Num reads: the digits of a text, whatever stands between them; the first separator, a "-" ahead of the digits (one
+// behind them ends the number), and an "e" between digits count.
+double ReadNumber(std::u16string_view text, char16_t decimalSeparator);
 bool IsValidDate(Date date);
 int TwoDigitYear(int year);                     // 0..99 to the century of the pivot; others unchanged
 void SetTwoDigitPivot(int century, int pivot);  // default: 19 and 30: 00..29 = 2000..2029, 30..99 = 1930..1999

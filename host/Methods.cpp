@@ -22,7 +22,9 @@ class LineReader {
     int16_t expression(Value* result) {
         int16_t error = primary(result);
         skip();
-        return error ? error : at_ == text_.size() ? int16_t(0) : int16_t(ZR_ERR_UNKNOWN_METHOD);
+        if (!error && at_ < text_.size()) error = ZR_ERR_UNKNOWN_METHOD;
+        if (error == ZR_ERR_UNKNOWN_METHOD) *result = Value();
+        return error;
     }
 
     // name:=expression, or an expression.

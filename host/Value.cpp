@@ -4,6 +4,26 @@
 
 namespace zrhost {
 
+Value::Value(const Value& other) = default;
+Value::Value(Value&& other) noexcept = default;
+Value& Value::operator=(const Value& other) = default;
+Value& Value::operator=(Value&& other) noexcept = default;
+Value::~Value() = default;
+
+Value::Value(std::u16string text) : kind_(eVK_Text), data_(std::move(text)) {}
+Value::Value(Ref<Object> object) : kind_(eVK_Object), data_(std::move(object)) {}
+Value::Value(Ref<Collection> collection) : kind_(eVK_Collection), data_(std::move(collection)) {}
+Value::Value(Ref<Picture> picture) : kind_(eVK_Picture), data_(std::move(picture)) {}
+Value::Value(Bytes blob) : kind_(eVK_Blob), data_(std::move(blob)) {}
+Value::Value(const PointerBlock& pointer) : kind_(eVK_Pointer), data_(std::make_shared<const PointerBlock>(pointer)) {}
+
+Value Value::Array(PA_VariableKind arrayKind, Elements elements) {
+    Value value(arrayKind);
+    if (elements.empty()) elements.emplace_back();
+    value.data_ = std::move(elements);
+    return value;
+}
+
 double Value::number() const {
     if (const double* real = std::get_if<double>(&data_)) return *real;
     if (const int32_t* whole = std::get_if<int32_t>(&data_)) return *whole;

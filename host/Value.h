@@ -71,27 +71,27 @@ class Value {
     using Elements = std::vector<Value>;  // arrays: element 0 first, so size() - 1 elements 1..n
 
     Value() = default;  // undefined
+    Value(const Value& other);
+    Value(Value&& other) noexcept;
+    Value& operator=(const Value& other);
+    Value& operator=(Value&& other) noexcept;
+    ~Value();
     Value(double real) : kind_(eVK_Real), data_(real) {}
     Value(bool boolean) : kind_(eVK_Boolean), data_(int32_t(boolean)) {}
     Value(Date date) : kind_(eVK_Date), data_(date) {}
-    Value(std::u16string text) : kind_(eVK_Text), data_(std::move(text)) {}
+    Value(std::u16string text);
     Value(std::u16string_view text) : Value(std::u16string(text)) {}
     Value(const char16_t* text) : Value(std::u16string(text)) {}
-    Value(Ref<Object> object) : kind_(eVK_Object), data_(std::move(object)) {}
-    Value(Ref<Collection> collection) : kind_(eVK_Collection), data_(std::move(collection)) {}
-    Value(Ref<Picture> picture) : kind_(eVK_Picture), data_(std::move(picture)) {}
-    Value(Bytes blob) : kind_(eVK_Blob), data_(std::move(blob)) {}
-    Value(const PointerBlock& pointer) : kind_(eVK_Pointer), data_(std::make_shared<const PointerBlock>(pointer)) {}
+    Value(Ref<Object> object);
+    Value(Ref<Collection> collection);
+    Value(Ref<Picture> picture);
+    Value(Bytes blob);
+    Value(const PointerBlock& pointer);
     Value(const void*) = delete;  // no pointer becomes a Boolean by accident
     static Value Null() { return Value(eVK_Null); }
     static Value Longint(int32_t number) { return Value(eVK_Longint, number); }
     static Value Time(int32_t seconds) { return Value(eVK_Time, seconds); }
-    static Value Array(PA_VariableKind arrayKind, Elements elements) {  // element 0 first; one is added if empty
-        Value value(arrayKind);
-        if (elements.empty()) elements.emplace_back();
-        value.data_ = std::move(elements);
-        return value;
-    }
+    static Value Array(PA_VariableKind arrayKind, Elements elements);  // element 0 first; one is added if empty
 
     PA_VariableKind kind() const { return kind_; }
     bool isUndefined() const { return kind_ == eVK_Undefined; }

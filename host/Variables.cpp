@@ -36,13 +36,6 @@ void Put(void* at, T value) {
     std::memcpy(at, &value, sizeof value);
 }
 
-int32_t CutToLongint(double number) {
-    if (std::isnan(number)) return 0;
-    if (number >= 2147483647.0) return INT32_MAX;
-    if (number <= -2147483648.0) return INT32_MIN;
-    return int32_t(number);
-}
-
 PA_Variable EmptyRecord(int kind = eVK_Undefined) {
     PA_Variable record;
     std::memset(&record, 0, sizeof record);
@@ -244,7 +237,8 @@ bool WriteAt(int kind, char* at, const Value& value) {
 int64_t LastElement(const PA_Variable& array, int elementSize) {
     int64_t bytes = HandleSize(array.uValue.fArray.fData);
     if (bytes < elementSize) return -1;
-    return std::min<int64_t>(std::max<int32_t>(array.uValue.fArray.fSize, 0), bytes / elementSize - 1);
+    int64_t size = array.uValue.fArray.fSize;
+    return std::min(std::max<int64_t>(size, 0), bytes / elementSize - 1);
 }
 
 }  // namespace

@@ -163,20 +163,69 @@ struct ZR_ExecutionContext {
     bool ExecuteGenericObjectMemberFunction(ZR_Text* name, ZR_Handle* parameters, ZR_Executer_Token* object);
 
     // One handler for each range of numbers; the tables behind them stand in ZR_API_CommandTable.cpp.
-#define ZR_HANDLER(range)                                                                                        \
-    void Execute4DCommand_##range(ZR_Handle* parameters, long id, ZR_Executer_Token* result, bool* notSupported, \
-                                  bool* wrongCount, bool* wrongType);
-    ZR_HANDLER(0001_0020)
-    ZR_HANDLER(0021_0040) ZR_HANDLER(0041_0060) ZR_HANDLER(0061_0080) ZR_HANDLER(0081_0100) ZR_HANDLER(0101_0120)
-        ZR_HANDLER(0141_0160) ZR_HANDLER(0161_0180) ZR_HANDLER(0181_0200) ZR_HANDLER(0201_0220) ZR_HANDLER(0221_0240)
-            ZR_HANDLER(0241_0260) ZR_HANDLER(0261_0280) ZR_HANDLER(0281_0300) ZR_HANDLER(0301_0320)
-                ZR_HANDLER(0321_0340) ZR_HANDLER(0341_0360) ZR_HANDLER(0361_0380) ZR_HANDLER(0381_0400)
-                    ZR_HANDLER(0441_0460) ZR_HANDLER(0481_0500) ZR_HANDLER(0501_0600) ZR_HANDLER(0601_0699)
-                        ZR_HANDLER(0701_0799) ZR_HANDLER(0881_0900) ZR_HANDLER(0901_0920) ZR_HANDLER(0951_1000)
-                            ZR_HANDLER(1001_2000) ZR_HANDLER(30000) ZR_HANDLER(40000)
-#undef ZR_HANDLER
-                                void Execute4DCommand_0121_0140(
-                                    ZR_Handle* parameters, long id, bool* notSupported, bool* wrongCount,
+    typedef ZR_Handle List;
+    typedef ZR_Executer_Token Token;
+    void Execute4DCommand_0001_0020(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0021_0040(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0041_0060(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0061_0080(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0081_0100(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0101_0120(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0141_0160(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0161_0180(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0181_0200(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0201_0220(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0221_0240(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0241_0260(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0261_0280(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0281_0300(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0301_0320(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0321_0340(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0341_0360(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0361_0380(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0381_0400(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0441_0460(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0481_0500(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0501_0600(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0601_0699(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0701_0799(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0881_0900(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0901_0920(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_0951_1000(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_1001_2000(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                    bool* wrongType);
+    void Execute4DCommand_30000(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                bool* wrongType);
+    void Execute4DCommand_40000(List* parameters, long id, Token* result, bool* notSupported, bool* wrongCount,
+                                bool* wrongType);
+    void Execute4DCommand_0121_0140(ZR_Handle* parameters, long id, bool* notSupported, bool* wrongCount,
                                     bool* wrongType);  // no command of this range returns a value
 
     // Debugger --------------------------------------------------------------------------------------------------
