@@ -819,6 +819,7 @@ bool zrExe_RunPrepared(ZR_ExecutionContext* context, ZR_Executer_Stack* frame, Z
         Clear(&temps[done]);
         outcome = RunStep(&run, steps + done, &temps[done]);
         if (outcome == kDone) ++done;
+        else DisposeValue(&temps[done]);  // what a bracket had got to
     }
     if (outcome == kDone) outcome = RunStatement(&run, state, result);
     if (outcome == kHandOver) {
