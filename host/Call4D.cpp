@@ -451,7 +451,7 @@ int16_t ServeFormatDate(Block& block, Host* host) {
 }
 
 int16_t ServeFormatTime(Block& block, Host* host) {
-    FillBlockText(block.fText, FormatTime(block.fParam3, Small(block.fParam4), host->inside().locale));
+    FillBlockText(block.fText, FormatTime(block.fParam1, Small(block.fParam4), host->inside().locale));
     return ZR_ERR_NONE;
 }
 
