@@ -554,7 +554,7 @@ bool VariableTable::set(std::u16string_view name, const PA_Variable& value, bool
         byName_[FoldName(name)] = entry;
     }
     int kind = UnifiedKind(entry->value.record());
-    bool scalar = kind == eVK_Real || kind == eVK_Integer || kind == eVK_Longint || kind == eVK_Time;
+    bool scalar = kind == eVK_Real || kind == eVK_Longint || kind == eVK_Time;  // an integer of 16 bits would cut
     if (scalar && kind != UnifiedKind(copy.record()) && AssignRecord(&entry->value.record(), ReadRecord(copy.record())))
         return true;  // a number into a variable for numbers: the variable keeps its kind
     entry->value = std::move(copy);
