@@ -9,10 +9,12 @@
 #include "app/Interpreter.h"
 #include "app/Messages.h"
 #include "app/Values.h"
+#include "runtime/ZR_API_Guards.h"
 
 static constexpr size_t kLongestInput = 64 * 1024;  // bytes
 static constexpr double kSeconds = 0.5;
-static constexpr long kDeepest = 200;  // calls
+static constexpr long kMemory = 256L << 20;  // bytes of storage in all
+static constexpr long kDeepest = 200;        // calls
 
 // Commands that reach out of the process, or wait.
 static const char kDenied[] =
@@ -24,6 +26,7 @@ static zrtool::Interpreter& StartedInterpreter() {
         zrhost::Options options;
         options.alert = [](std::u16string_view) {};
         options.notServed = [](int, std::string_view) {};
+        ZR_SetMemoryLimit(kMemory);
         return new zrtool::Interpreter(std::move(options));
     }();
     return *interpreter;

@@ -353,7 +353,7 @@ unsigned long zrExe_Power(unsigned long base, unsigned long exponent) {
 static bool RepeatText(ZR_Text* target, ZR_Text* unit, double times) {
     long n = zrExe_Truncate(times);
     if (n < 1 || !unit->count) return true;
-    if (n > ZR_MAX_TEXT_UNITS / unit->count) return false;
+    if (n > ZR_MAX_TEXT_UNITS / unit->count || !ZR_MemoryAllows(n * unit->count * 2)) return false;
     target->growStep = n * unit->count + 1;
     for (long i = 0; i < n; ++i) target->AddText(unit);
     return true;
