@@ -442,7 +442,7 @@ void ZR_ExecutionContext::ExecuteTokenizedBlockText(ZR_Text* text, ZR_Executer_T
         case ZREXE_TOKEN_OTHER:
             value->kind = ZREXE_TOKEN_STRING;
             if (formula != '+') break;
-            if (value->text.count > ZR_MAX_TEXT_UNITS - text->count) Fail(kErrorMemory);
+            if (!zrExe_TextsFit(value->text.count, text->count)) Fail(kErrorMemory);
             else value->text.AddText(text);
             break;
         default: break;

@@ -34,7 +34,6 @@ static long DefaultMemoryLimit() {
 void ZR_SetMemoryLimit(long bytes) { sMemoryLimit = bytes; }
 
 bool ZR_MemoryAllows(long moreBytes) {
-    if (moreBytes < ZR_SMALL_BYTES) return true;
     long limit = sMemoryLimit.load(std::memory_order_relaxed);
     if (limit < 1) limit = DefaultMemoryLimit();
     return moreBytes <= limit && ZR_MEMORY_BYTES.load(std::memory_order_relaxed) <= limit - moreBytes;

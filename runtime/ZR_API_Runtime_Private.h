@@ -40,7 +40,7 @@ static inline void zrExe_MoveToken(ZR_Handle* tokens, long position, ZR_Executer
 
 // Whether two texts may become one, in units.
 static inline bool zrExe_TextsFit(long left, long right) {
-    return left <= ZR_MAX_TEXT_UNITS - right && (left + right < ZR_SMALL_BYTES || ZR_MemoryAllows((left + right) * 2));
+    return left <= ZR_MAX_TEXT_UNITS - right && (left + right < ZR_SMALL_BYTES || ZR_MemoryAllows(right * 2));
 }
 
 static inline void zrExe_ReleaseObject(void* object) {

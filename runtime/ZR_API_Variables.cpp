@@ -217,7 +217,8 @@ ZR_EXE_VariableKind ZR_Executer_Variable::GetVariableTypeFromArrayType() {
 // Guard: an array takes no more than ZR_MAX_VALUE_BYTES, and no more than the process has left.
 static bool Fits(long before, long count) {
     static const long kSize = sizeof(ZR_Executer_Variable);
-    return count <= ZR_MAX_VALUE_BYTES / kSize && (count <= before || ZR_MemoryAllows(count * kSize));
+    return count <= ZR_MAX_VALUE_BYTES / kSize &&
+           (count <= before || count * kSize < ZR_SMALL_BYTES || ZR_MemoryAllows((count - before) * kSize));
 }
 
 bool ZR_Executer_Variable::ResizeArray(long n) {
