@@ -8,6 +8,7 @@
 // Finding ----------------------------------------------------------------------------------------------------------
 
 struct Scope {
+    ZR_Executer_Stack* frame;  // locals; null = another scope
     ZR_Handle* list;
     ZR_VariableIndex* index;
     long number;
@@ -21,13 +22,13 @@ static bool ScopeOfToken(ZR_ExecutionContext* context, long tokenKind, Scope* sc
             if (!frame->index && frame->localVariables.count > 8 &&
                 (frame->index = static_cast<ZR_VariableIndex*>(malloc(sizeof(ZR_VariableIndex)))))
                 frame->index->Create();
-            *scope = {&frame->localVariables, frame->index, ZR_SCOPE_LOCAL};
+            *scope = {frame, &frame->localVariables, frame->index, ZR_SCOPE_LOCAL};
             return true;
         case ZREXE_TOKEN_VARIABLE:
-            *scope = {&context->processVariables, &context->processIndex, ZR_SCOPE_PROCESS};
+            *scope = {nullptr, &context->processVariables, &context->processIndex, ZR_SCOPE_PROCESS};
             return true;
         case ZREXE_TOKEN_INTERPROCESS:
-            *scope = {&context->interprocessVariables, &context->interprocessIndex, ZR_SCOPE_INTERPROCESS};
+            *scope = {nullptr, &context->interprocessVariables, &context->interprocessIndex, ZR_SCOPE_INTERPROCESS};
             return true;
         default: return false;
     }
@@ -39,6 +40,7 @@ static ZR_Executer_Variable* FindInScope(const Scope& scope, ZR_Text* name) {
 }
 
 static ZR_Executer_Variable* AppendToScope(const Scope& scope, ZR_Text* name, ZR_EXE_VariableKind kind) {
+    if (scope.frame) return scope.frame->AppendLocal(name->Units(), name->count, kind);
     scope.list->growStep = scope.list->count < 8 ? 8 : 0;  // a frame of few variables grows once
     ZR_Executer_Variable* fresh = reinterpret_cast<ZR_Executer_Variable*>(scope.list->AppendGetPtr());
     if (fresh) fresh->Create(kind, name);

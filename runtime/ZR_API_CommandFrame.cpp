@@ -220,29 +220,35 @@ static void TakeResult(ZR_Executer_Stack* frame, ZR_Executer_Token* answer) {
 
 static void CreateParameters(ZR_Executer_Stack* frame, ZR_Handle* parameters) {
     long count = parameters ? parameters->count : 0;
-    frame->localVariables.growStep = 8;
     for (long i = 1; i <= count; ++i) {
-        ZR_Executer_Variable* variable = reinterpret_cast<ZR_Executer_Variable*>(frame->localVariables.AppendGetPtr());
-        if (!variable) return;
         ZR_Text name;
         name.Create();
         name.AddLong(i);
-        variable->Create(&name, zrExe_TokenAt(parameters, i));
+        ZR_Executer_Variable* variable = frame->AppendLocal(name.Units(), name.count, ZR_EXE_Undefined);
+        if (variable) {
+            variable->Dispose();
+            variable->Create(&name, zrExe_TokenAt(parameters, i));
+        }
         name.Dispose();
     }
 }
 
 void zrExe_CallMethod(ZR_ExecutionContext* context, long reference, ZR_Handle* parameters, ZR_Executer_Token* answer) {
-    if (!context->CheckDepth()) return;
+    ZR_ExecutionMethod* method = context->CheckDepth() ? context->GetMethodPtrByReference(reference) : nullptr;
+    if (!method) return;
     ZR_Executer_Stack frame;
-    frame.Create(reference);
+    frame.CreateFor(method);
     CreateParameters(&frame, parameters);
+    zrExe_RunFrame(context, &frame);
+    TakeResult(&frame, answer);
+    frame.DisposeFor(context->GetMethodPtrByReference(reference));
+}
+
+void zrExe_RunFrame(ZR_ExecutionContext* context, ZR_Executer_Stack* frame) {
     bool stepOver = context->stepOver;
     context->stepOver = false;
-    context->ExecuteMethod(&frame, 0);
+    context->ExecuteMethod(frame, 0);
     context->stepOver = stepOver;
-    TakeResult(&frame, answer);
-    frame.Dispose();
 }
 
 static ZR_ExecutionMethod* FindMethod(ZR_ExecutionContext* context, ZR_Text* name) {

@@ -40,6 +40,7 @@ void ZR_ExecutionContext::Create(long newReference, ZR_Handle* commands) {
     virtualStructure.Create(sizeof(ZR_Executer_VirtualStructure), 0);
     nextVirtualReference = 1;
     stacks.Create(sizeof(ZR_Executer_Stack*), 0);
+    stacks.growStep = 64;
     sets.Create(1, 0);
     allowedCommands.Create(sizeof(ZR_AllowedCommand), 0);
     lastErrorText.Create(static_cast<ZR_Text*>(nullptr));

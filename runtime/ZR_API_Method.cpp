@@ -44,12 +44,20 @@ void ZR_Executer_Stack::Create(long newReference) {
     activeForLines.Create(sizeof(long), 0);
     currentLine = 0;
     index = nullptr;
+    parked = 0;
+}
+
+// All variables of a list, the parked ones as well.
+static void DisposeLocals(ZR_Handle* variables, long parked) {
+    if (variables->count < parked) variables->count = parked;
+    zrExe_DisposeVariables(variables);
 }
 
 void ZR_Executer_Stack::Dispose() {
     methodReference = 0;
     inCaseCondition = false;
-    zrExe_DisposeVariables(&localVariables);
+    DisposeLocals(&localVariables, parked);
+    parked = 0;
     activeForLines.Dispose();
     currentLine = 0;
     if (index) index->Dispose();
@@ -64,6 +72,76 @@ ZR_Executer_Variable* ZR_Executer_Stack::GetLocalVariable(ZR_Text* name) {
     }
     if (!index) return zrExe_FindVariableByName(&localVariables, name);
     return reinterpret_cast<ZR_Executer_Variable*>(localVariables.GetMemPtr(index->Find(&localVariables, name)));
+}
+
+// Variables that calls leave to the next one -----------------------------------------------------------------------
+
+static const long kMaxSpares = 64, kMaxParked = 64, kKeptTextUnits = 128;
+
+void ZR_Executer_Stack::CreateFor(ZR_ExecutionMethod* method) {
+    Create(method->reference);
+    ZR_Handle* spares = method->index ? &method->index->spares : nullptr;
+    if (!spares || !spares->count) {
+        localVariables.growStep = 8;
+        return;
+    }
+    ZR_SpareLocals* spare = reinterpret_cast<ZR_SpareLocals*>(spares->GetMemPtr(spares->count));
+    localVariables = spare->variables;
+    parked = spare->parked;
+    --spares->count;
+}
+
+// Named and empty, as a record that waits for reuse.
+static void Park(ZR_Executer_Variable* variable) {
+    if (variable->elements.data || variable->objectRef || variable->collectionRef) variable->SetEmpty();
+    if (variable->elements.data) variable->elements.Dispose();
+    if (variable->blob.data) variable->blob.Dispose();
+    if (variable->kind == ZR_EXE_Picture) {
+        variable->picture.Dispose();
+        variable->picture.Create();
+    }
+    if (variable->text.cString || variable->text.unistringValid || variable->text.capacity > kKeptTextUnits) {
+        variable->text.Dispose();
+        variable->text.Create();
+    }
+}
+
+void ZR_Executer_Stack::DisposeFor(ZR_ExecutionMethod* method) {
+    ZR_Handle* spares = method && method->index ? &method->index->spares : nullptr;
+    long used = localVariables.count > parked ? localVariables.count : parked;
+    ZR_SpareLocals* spare = nullptr;
+    if (spares && spares->count < kMaxSpares && used && used <= kMaxParked)
+        spare = reinterpret_cast<ZR_SpareLocals*>(spares->AppendGetPtr());
+    if (spare) {
+        for (long i = 1; i <= localVariables.count; ++i)
+            Park(reinterpret_cast<ZR_Executer_Variable*>(localVariables.GetMemPtr(i)));
+        localVariables.count = 0;
+        *spare = {localVariables, used};
+        localVariables.Create(sizeof(ZR_Executer_Variable), 0);
+        parked = 0;
+    }
+    Dispose();
+}
+
+ZR_Executer_Variable* ZR_Executer_Stack::AppendLocal(const unsigned short* name, long length,
+                                                     ZR_EXE_VariableKind kind) {
+    long position = localVariables.count + 1;
+    if (position <= parked) {
+        ++localVariables.count;
+        ZR_Executer_Variable* left = reinterpret_cast<ZR_Executer_Variable*>(localVariables.GetMemPtr(position));
+        left->kind = kind;
+        left->value.integer = 0;
+        left->text.count = 0;
+        if (left->name.Equal(name, length, /*case sensitive*/ true)) return left;
+        left->name.Resize(0);
+        left->name.AddUniBuffer(name, length);
+        return left;
+    }
+    ZR_Executer_Variable* fresh = reinterpret_cast<ZR_Executer_Variable*>(localVariables.AppendGetPtr());
+    if (!fresh) return nullptr;
+    fresh->Create(kind);
+    fresh->name.AddUniBuffer(name, length);
+    return fresh;
 }
 
 // Index ------------------------------------------------------------------------------------------------------------
@@ -122,6 +200,11 @@ void zrExe_DisposeMethodIndex(ZR_ExecutionMethod* method) {
     for (long i = 1; i <= method->index->lines.count; ++i)
         zrExe_DisposePreparedLine(reinterpret_cast<ZR_MethodLine*>(method->index->lines.GetMemPtr(i))->prepared);
     method->index->lines.Dispose();
+    for (long i = 1; i <= method->index->spares.count; ++i) {
+        ZR_SpareLocals* spare = reinterpret_cast<ZR_SpareLocals*>(method->index->spares.GetMemPtr(i));
+        DisposeLocals(&spare->variables, spare->parked);
+    }
+    method->index->spares.Dispose();
     free(method->index);
     method->index = nullptr;
 }
@@ -133,6 +216,7 @@ ZR_MethodIndex* zrExe_GetMethodIndex(ZR_ExecutionMethod* method) {
     index = static_cast<ZR_MethodIndex*>(malloc(sizeof(ZR_MethodIndex)));
     if (!index) return nullptr;
     index->lines.Create(sizeof(ZR_MethodLine), 0);
+    index->spares.Create(sizeof(ZR_SpareLocals), 0);
     index->tokenData = method->tokens.data;
     index->tokenCount = method->tokens.count;
     FindLines(&method->tokens, &index->lines);

@@ -29,10 +29,15 @@ struct ZR_Executer_Stack {  // one call
     ZR_Handle activeForLines;  // of long
     long currentLine;          // 0 in a new frame
     ZR_VariableIndex* index;   // of localVariables; owned; null until needed
+    long parked;               // records of localVariables behind count that an earlier call left for reuse
 
     void Create(long methodReference);
     void Dispose();
-    ZR_Executer_Variable* GetLocalVariable(ZR_Text* name);  // null = none
+    void CreateFor(ZR_ExecutionMethod* method);   // as Create, with the variables that an earlier call left
+    void DisposeFor(ZR_ExecutionMethod* method);  // as Dispose; leaves the variables to the next call; null = none
+    ZR_Executer_Variable* AppendLocal(const unsigned short* name, long length,
+                                      ZR_EXE_VariableKind kind);  // null = no memory
+    ZR_Executer_Variable* GetLocalVariable(ZR_Text* name);        // null = none
 };
 
 bool zrExe_FindLineToExecute(ZR_ExecutionMethod* method, long line, long* first, long* last);  // false = no such line

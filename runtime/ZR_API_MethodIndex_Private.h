@@ -17,9 +17,15 @@ struct ZR_MethodLine {
     ZR_PreparedLine* prepared;  // owned; null = not tried yet
 };
 
+struct ZR_SpareLocals {
+    ZR_Handle variables;  // count 0
+    long parked;          // records that are alive all the same: named and empty
+};
+
 struct ZR_MethodIndex {
-    ZR_Handle lines;  // of ZR_MethodLine, [1..count]
-    char* tokenData;  // of the list that this was made from
+    ZR_Handle spares;  // of ZR_SpareLocals: what ended calls left
+    ZR_Handle lines;   // of ZR_MethodLine, [1..count]
+    char* tokenData;   // of the list that this was made from
     long tokenCount;
 };
 

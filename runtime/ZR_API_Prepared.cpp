@@ -76,7 +76,7 @@ static void Own(QuickValue* value) {
 struct Run {
     ZR_ExecutionContext* context;
     ZR_Executer_Stack* frame;
-    ZR_ExecutionMethod* method;
+    ZR_Handle tokens;  // the method's list: its tokens stay where they are, the method's record may move
     ZR_PreparedLine* line;
     QuickValue* temps;
 };
@@ -391,7 +391,7 @@ static bool BuildParameters(Run* run, const ZR_PreparedStep* step, ZR_Handle* li
         if (parameter->block < 0) {
             for (int at = parameter->firstToken; at <= parameter->lastToken; ++at) {
                 ZR_Executer_Token* copy = reinterpret_cast<ZR_Executer_Token*>(list->AppendGetPtr());
-                if (copy) copy->Create(zrExe_TokenAt(&run->method->tokens, at), /*shallow*/ true);
+                if (copy) copy->Create(zrExe_TokenAt(&run->tokens, at), /*shallow*/ true);
             }
         } else {
             good = Evaluate(run, parameter->block, &value) && value.kind != ZREXE_TOKEN_OTHER;
@@ -478,8 +478,7 @@ static Outcome RunDeclaration(Run* run, ZR_PreparedStep* step) {
     if (!IsAllowed(run->context, step->id)) return kHandOver;
     ZR_EXE_VariableKind kind = zrExe_DeclaredKind(step->id);
     for (int i = 0; i < step->parameterCount; ++i)
-        run->context->SetVariable(zrExe_TokenAt(&run->method->tokens, ParameterOf(run, step, i)->firstToken), nullptr,
-                                  kind, 0);
+        run->context->SetVariable(zrExe_TokenAt(&run->tokens, ParameterOf(run, step, i)->firstToken), nullptr, kind, 0);
     return kDone;
 }
 
@@ -544,11 +543,13 @@ static bool StoreValue(ZR_Executer_Variable* variable, QuickValue* value) {
 
 // A parameter's variable, named by its number.
 static bool CreateParameter(ZR_Executer_Stack* frame, long number, QuickValue* value) {
-    ZR_Executer_Variable* variable = reinterpret_cast<ZR_Executer_Variable*>(frame->localVariables.AppendGetPtr());
-    if (!variable) return false;
-    variable->Create(VariableKindOf(value->kind));
-    variable->name.AddLong(number);
-    return StoreValue(variable, value);
+    char digits[24];
+    unsigned short name[24];
+    ZR_NumToString(number, digits);
+    long length = 0;
+    for (; digits[length]; ++length) name[length] = static_cast<unsigned short>(digits[length]);
+    ZR_Executer_Variable* variable = frame->AppendLocal(name, length, VariableKindOf(value->kind));
+    return variable && StoreValue(variable, value);
 }
 
 static void TakeQuickResult(ZR_Executer_Stack* frame, QuickValue* answer) {
@@ -567,6 +568,11 @@ static void TakeQuickResult(ZR_Executer_Stack* frame, QuickValue* answer) {
         variable->text.Create();
         return;
     }
+    if (variable->kind == ZR_EXE_Real || variable->kind == ZR_EXE_Longint || variable->kind == ZR_EXE_Integer) {
+        answer->kind = ZREXE_TOKEN_NUMBER;
+        answer->number = variable->GetNumber();
+        return;
+    }
     ZR_Executer_Token token;
     token.Create(static_cast<void*>(variable));
     MoveFromToken(&token, answer);
@@ -577,9 +583,10 @@ static Outcome RunMethod(Run* run, ZR_PreparedStep* step, QuickValue* value) {
     ZR_ExecutionContext* context = run->context;
     long reference = MethodOf(run, step);
     if (!reference) return kHandOver;
+    ZR_ExecutionMethod* method = context->GetMethodPtrByReference(reference);
+    if (!method) return kHandOver;
     ZR_Executer_Stack frame;
-    frame.Create(reference);
-    frame.localVariables.growStep = 8;
+    frame.CreateFor(method);
     bool good = true;
     for (int i = 0; i < step->parameterCount && good; ++i) {
         QuickValue argument;
@@ -589,13 +596,10 @@ static Outcome RunMethod(Run* run, ZR_PreparedStep* step, QuickValue* value) {
         DisposeValue(&argument);
     }
     if (good && context->CheckDepth()) {
-        bool stepOver = context->stepOver;
-        context->stepOver = false;
-        context->ExecuteMethod(&frame, 0);
-        context->stepOver = stepOver;
+        zrExe_RunFrame(context, &frame);
         if (!context->lastError) TakeQuickResult(&frame, value);
     }
-    frame.Dispose();
+    frame.DisposeFor(context->GetMethodPtrByReference(reference));
     if (!good) return kHandOver;
     return context->lastError ? kFailed : kDone;
 }
@@ -787,7 +791,7 @@ static void HandOver(Run* run, const ZR_MethodLine* row, int done, long* state, 
             position = step->lastToken;
         } else {
             ZR_Executer_Token* slot = reinterpret_cast<ZR_Executer_Token*>(tokens.AppendGetPtr());
-            if (slot) slot->Create(zrExe_TokenAt(&run->method->tokens, position), /*shallow*/ true);
+            if (slot) slot->Create(zrExe_TokenAt(&run->tokens, position), /*shallow*/ true);
         }
     }
     run->context->ExecuteMethodLineSub(state, &tokens);
@@ -806,8 +810,7 @@ bool zrExe_RunPrepared(ZR_ExecutionContext* context, ZR_Executer_Stack* frame, Z
     ZR_PreparedLine* line = row->prepared;
     if (!line || line->plain) return false;
     QuickValue temps[ZR_MAX_TEMPS];
-    ZR_ExecutionMethod self = *method;  // its tokens stay; the record itself may move while a call runs
-    Run run = {context, frame, &self, line, temps};
+    Run run = {context, frame, method->tokens, line, temps};
     ZR_MethodLine lineRow = *row;
     ZR_PreparedStep* steps = reinterpret_cast<ZR_PreparedStep*>(line->steps.data);
     int done = 0;
@@ -816,6 +819,7 @@ bool zrExe_RunPrepared(ZR_ExecutionContext* context, ZR_Executer_Stack* frame, Z
         Clear(&temps[done]);
         outcome = RunStep(&run, steps + done, &temps[done]);
         if (outcome == kDone) ++done;
+        else DisposeValue(&temps[done]);  // what a bracket had got to
     }
     if (outcome == kDone) outcome = RunStatement(&run, state, result);
     if (outcome == kHandOver) {

@@ -50,8 +50,9 @@ long zrExe_FoldTime(ZR_ExecutionContext* context, long left, long right, unsigne
 
 // Runs a method of the context in a frame of its own; $0 goes into answer, if it is set.
 void zrExe_CallMethod(ZR_ExecutionContext* context, long reference, ZR_Handle* parameters, ZR_Executer_Token* answer);
-unsigned long zrExe_Power(unsigned long base, unsigned long exponent);  // modulo 2^64
-ZR_EXE_VariableKind zrExe_DeclaredKind(long commandID);                 // of a declaration command; 5 = none
+void zrExe_RunFrame(ZR_ExecutionContext* context, ZR_Executer_Stack* frame);  // a call: stepping over passes it
+unsigned long zrExe_Power(unsigned long base, unsigned long exponent);        // modulo 2^64
+ZR_EXE_VariableKind zrExe_DeclaredKind(long commandID);                       // of a declaration command; 5 = none
 bool zrExe_ForPass(ZR_Executer_Stack* frame, ZR_Executer_Variable* variable, bool first, long step, long end);
 void zrExe_StoreField(short table, short field, short type, ZR_Executer_Token* value);  // the kinds fit
 

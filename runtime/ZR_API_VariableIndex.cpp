@@ -1,8 +1,13 @@
 #include "runtime/ZR_API_VariableIndex.h"
 
+#include <atomic>
 #include <cstdlib>
 
 static const long kWalkedCount = 8;  // lists up to this length are walked
+
+static std::atomic<unsigned long> sEdition{1};  // moved on by every deletion from any list
+
+void zrExe_VariableDeleted() { sEdition.fetch_add(1, std::memory_order_relaxed); }
 
 static inline unsigned short Fold(unsigned short unit) { return unit >= 'a' && unit <= 'z' ? unit - 32 : unit; }
 
@@ -36,6 +41,7 @@ void ZR_VariableIndex::Create() {
     slots = nullptr;
     slotCount = 0;
     known = 0;
+    edition = 0;
 }
 
 void ZR_VariableIndex::Dispose() {
@@ -63,6 +69,7 @@ static bool Rebuild(ZR_VariableIndex* index, ZR_Handle* list) {
     free(index->slots);
     index->slots = fresh;
     index->slotCount = wanted;
+    index->edition = sEdition.load(std::memory_order_relaxed);
     for (index->known = 0; index->known < list->count; ++index->known) {
         long slot = SlotOf(index, list, &At(list, index->known + 1)->name);
         if (!index->slots[slot]) index->slots[slot] = static_cast<unsigned>(index->known + 1);  // the first one wins
@@ -72,7 +79,8 @@ static bool Rebuild(ZR_VariableIndex* index, ZR_Handle* list) {
 
 // Enters what was appended since; a list that shrank, or whose last known record is another one now, is entered anew.
 static bool Refresh(ZR_VariableIndex* index, ZR_Handle* list) {
-    if (list->count < index->known || list->count * 2 > index->slotCount) return Rebuild(index, list);
+    bool deleted = index->edition != sEdition.load(std::memory_order_relaxed);
+    if (deleted || list->count < index->known || list->count * 2 > index->slotCount) return Rebuild(index, list);
     if (index->known > 0) {
         long slot = SlotOf(index, list, &At(list, index->known)->name);
         if (!index->slots[slot]) return Rebuild(index, list);

@@ -6,6 +6,7 @@
 #include "plugin/ZR_API_Bridge.h"
 #include "plugin/ZR_API_Numbers.h"
 #include "runtime/ZR_API_Guards.h"
+#include "runtime/ZR_API_VariableIndex.h"
 
 static constexpr struct {
     ZR_EXE_VariableKind array, element;
@@ -280,6 +281,7 @@ bool zrExe_DeleteVariableByName(ZR_Handle* list, ZR_Text* name) {
     if (!position) return false;
     reinterpret_cast<ZR_Executer_Variable*>(list->GetMemPtr(position))->Dispose();
     list->DeleteElement(position);
+    zrExe_VariableDeleted();
     return true;
 }
 

@@ -64,8 +64,7 @@ class MachineEnvironment : public ::testing::Environment {
         machine.host.reset();
     }
 };
-inline ::testing::Environment* const kMachineEnvironment =
-    ::testing::AddGlobalTestEnvironment(new MachineEnvironment);
+inline ::testing::Environment* const kMachineEnvironment = ::testing::AddGlobalTestEnvironment(new MachineEnvironment);
 
 inline ZR_Executer* Executer() { return &Machine::Get().executer; }
 
@@ -212,8 +211,10 @@ inline std::string Describe(ZR_Executer_Token* token) {
         case ZREXE_TOKEN_TIME: return "time " + std::to_string(token->value.integer);
         case ZREXE_TOKEN_BOOLEAN: return token->GetBoolean() ? "boolean true" : "boolean false";
         case ZREXE_TOKEN_TABLE: return "table " + std::to_string(token->value.integer);
-        case ZREXE_TOKEN_FIELD: return "field " + std::to_string(token->GetTable()) + "," + std::to_string(token->GetField());
-        case ZREXE_TOKEN_POINTER: return "pointer " + Narrow(token->GetText()) + " " + std::to_string(token->value.integer);
+        case ZREXE_TOKEN_FIELD:
+            return "field " + std::to_string(token->GetTable()) + "," + std::to_string(token->GetField());
+        case ZREXE_TOKEN_POINTER:
+            return "pointer " + Narrow(token->GetText()) + " " + std::to_string(token->value.integer);
         case ZREXE_TOKEN_BLOB: return "blob " + Hex(token->GetBlob()->data, token->GetBlob()->count);
         case ZREXE_TOKEN_PICTURE: return "picture " + std::to_string(token->GetPictureSize()) + " bytes";
         case ZREXE_TOKEN_OBJECT: return "object " + (token->objectRef ? Json(token->objectRef, eVK_Object) : "none");
@@ -444,7 +445,8 @@ class Program {  // a context with methods
     void Declare(const char* name) {  // known to the tokeniser as a method
         Text text(name);
         char* place = context_->virtualStructure.AppendGetPtr();
-        reinterpret_cast<ZR_Executer_VirtualStructure*>(place)->CreateMethod(text, text, context_->nextVirtualReference++, 0);
+        reinterpret_cast<ZR_Executer_VirtualStructure*>(place)->CreateMethod(text, text,
+                                                                             context_->nextVirtualReference++, 0);
         ZR_EXE_VStructureChanged();
     }
     long Add(const char* name, const std::string& source) {  // its reference
@@ -566,7 +568,8 @@ class Recorder {
             count = block->fParam4;
             taken = true;
         } else if (selector == ZR_SEL_ExecuteMethod) {
-            call.name = zrhost::ToUtf8({reinterpret_cast<const char16_t*>(block->fParam1), static_cast<size_t>(block->fLength1)});
+            call.name = zrhost::ToUtf8(
+                {reinterpret_cast<const char16_t*>(block->fParam1), static_cast<size_t>(block->fLength1)});
             table = reinterpret_cast<PA_Variable**>(block->fParam2);
             result = reinterpret_cast<PA_Variable*>(block->fParam4);
             count = block->fParam3;

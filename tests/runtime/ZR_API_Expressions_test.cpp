@@ -8,7 +8,22 @@ using namespace rt;
 namespace {
 
 // One token of every kind that an accumulator can be of.
-enum Held { kNothing, kNumber, kLongint, kText, kDate, kTime, kBoolean, kPointer, kBlob, kPicture, kObject, kCollection, kNull, kHeldKinds };
+enum Held {
+    kNothing,
+    kNumber,
+    kLongint,
+    kText,
+    kDate,
+    kTime,
+    kBoolean,
+    kPointer,
+    kBlob,
+    kPicture,
+    kObject,
+    kCollection,
+    kNull,
+    kHeldKinds
+};
 
 class Accumulator {
   public:
@@ -57,7 +72,8 @@ constexpr const char* kFormula = "-32 Formula not supported!";
 constexpr const char* kDivision = "-2 Division by zero";
 
 void CheckSources(const std::vector<std::pair<const char*, const char*>>& rows) {
-    for (const auto& [expression, value] : rows) EXPECT_EQ(RunFor(std::string("$r:=") + expression), value) << expression;
+    for (const auto& [expression, value] : rows)
+        EXPECT_EQ(RunFor(std::string("$r:=") + expression), value) << expression;
 }
 
 }  // namespace
@@ -72,18 +88,24 @@ TEST(FoldNumber, OnNumbers_EveryOperator) {
         const char* value;
         const char* error;
     } rows[] = {
-        {kNothing, '+', 2, "number 2", ""},      {kNothing, '-', 2, "number -2", ""},   {kNothing, '*', 2, "number 0", ""},
-        {kNothing, '/', 2, "number 0", ""},      {kNothing, '%', 2, "number 0", ""},    {kNothing, '\\', 2, "number 0", ""},
-        {kNothing, '^', 2, "number 0", ""},      {kNothing, '?', 2, "number 0", ""},    {kNothing, '/', 0, "number 0", kDivision},
-        {kNumber, '+', 2, "number 9", ""},       {kNumber, '-', 2, "number 5", ""},     {kNumber, '*', 2, "number 14", ""},
-        {kNumber, '/', 2, "number 3.5", ""},     {kNumber, '%', 2, "number 1", ""},     {kNumber, '\\', 2, "number 3", ""},
-        {kNumber, '^', 2, "number 49", ""},      {kNumber, '?', 2, "number 7", ""},     {kNumber, '/', 0, "number 7", kDivision},
-        {kLongint, '+', 2, "number 9", ""},      {kLongint, '-', 2, "number 5", ""},    {kLongint, '*', 2, "number 14", ""},
-        {kLongint, '/', 2, "number 3.5", ""},    {kLongint, '%', 2, "number 1", ""},    {kLongint, '\\', 2, "number 3", ""},
-        {kLongint, '^', 2, "number 49", ""},     {kLongint, '?', 2, "number 7", ""},
-        {kNumber, '%', -2, "number 1", ""},      {kNumber, '%', 2.5, "number 2", ""},   {kNumber, '\\', -2, "number -3", ""},
-        {kNumber, '\\', 0.5, "number 14", ""},   {kNumber, '^', 0, "number 1", ""},     {kNumber, '^', 2.9, "number 49", ""},
-        {kNothing, '^', 0, "number 1", ""},      {kNumber, '^', 1, "number 7", ""},     {kNumber, '+', 0.5, "number 7.5", ""},
+        {kNothing, '+', 2, "number 2", ""},        {kNothing, '-', 2, "number -2", ""},
+        {kNothing, '*', 2, "number 0", ""},        {kNothing, '/', 2, "number 0", ""},
+        {kNothing, '%', 2, "number 0", ""},        {kNothing, '\\', 2, "number 0", ""},
+        {kNothing, '^', 2, "number 0", ""},        {kNothing, '?', 2, "number 0", ""},
+        {kNothing, '/', 0, "number 0", kDivision}, {kNumber, '+', 2, "number 9", ""},
+        {kNumber, '-', 2, "number 5", ""},         {kNumber, '*', 2, "number 14", ""},
+        {kNumber, '/', 2, "number 3.5", ""},       {kNumber, '%', 2, "number 1", ""},
+        {kNumber, '\\', 2, "number 3", ""},        {kNumber, '^', 2, "number 49", ""},
+        {kNumber, '?', 2, "number 7", ""},         {kNumber, '/', 0, "number 7", kDivision},
+        {kLongint, '+', 2, "number 9", ""},        {kLongint, '-', 2, "number 5", ""},
+        {kLongint, '*', 2, "number 14", ""},       {kLongint, '/', 2, "number 3.5", ""},
+        {kLongint, '%', 2, "number 1", ""},        {kLongint, '\\', 2, "number 3", ""},
+        {kLongint, '^', 2, "number 49", ""},       {kLongint, '?', 2, "number 7", ""},
+        {kNumber, '%', -2, "number 1", ""},        {kNumber, '%', 2.5, "number 2", ""},
+        {kNumber, '\\', -2, "number -3", ""},      {kNumber, '\\', 0.5, "number 14", ""},
+        {kNumber, '^', 0, "number 1", ""},         {kNumber, '^', 2.9, "number 49", ""},
+        {kNothing, '^', 0, "number 1", ""},        {kNumber, '^', 1, "number 7", ""},
+        {kNumber, '+', 0.5, "number 7.5", ""},
     };
     for (const auto& row : rows) {
         Program program;
@@ -136,14 +158,28 @@ TEST(FoldNumber, OnTextAndDate_RepeatsAndAddsDays) {
         const char* value;
         const char* error;
     } rows[] = {
-        {kText, '*', 2, "text abab", ""},    {kText, '*', 2.9, "text abab", ""}, {kText, '*', 1, "text ab", ""},
-        {kText, '*', 0, "text ", ""},        {kText, '*', 0.9, "text ", ""},     {kText, '*', -3, "text ", ""},
-        {kText, '+', 2, "text ab", kFormula}, {kText, '-', 2, "text ab", kFormula}, {kText, '/', 2, "text ab", kFormula},
-        {kText, '%', 2, "text ab", kFormula}, {kText, '\\', 2, "text ab", kFormula}, {kText, '^', 2, "text ab", kFormula},
-        {kDate, '+', 1, "date 2000-2-1", ""}, {kDate, '+', 30, "date 2000-3-1", ""}, {kDate, '-', 31, "date 1999-12-31", ""},
-        {kDate, '+', 1.9, "date 2000-2-1", ""}, {kDate, '-', -1, "date 2000-2-1", ""}, {kDate, '+', 0, "date 2000-1-31", ""},
-        {kDate, '*', 1, "date 2000-1-31", kFormula}, {kDate, '/', 1, "date 2000-1-31", kFormula},
-        {kDate, '%', 1, "date 2000-1-31", kFormula}, {kDate, '\\', 1, "date 2000-1-31", kFormula},
+        {kText, '*', 2, "text abab", ""},
+        {kText, '*', 2.9, "text abab", ""},
+        {kText, '*', 1, "text ab", ""},
+        {kText, '*', 0, "text ", ""},
+        {kText, '*', 0.9, "text ", ""},
+        {kText, '*', -3, "text ", ""},
+        {kText, '+', 2, "text ab", kFormula},
+        {kText, '-', 2, "text ab", kFormula},
+        {kText, '/', 2, "text ab", kFormula},
+        {kText, '%', 2, "text ab", kFormula},
+        {kText, '\\', 2, "text ab", kFormula},
+        {kText, '^', 2, "text ab", kFormula},
+        {kDate, '+', 1, "date 2000-2-1", ""},
+        {kDate, '+', 30, "date 2000-3-1", ""},
+        {kDate, '-', 31, "date 1999-12-31", ""},
+        {kDate, '+', 1.9, "date 2000-2-1", ""},
+        {kDate, '-', -1, "date 2000-2-1", ""},
+        {kDate, '+', 0, "date 2000-1-31", ""},
+        {kDate, '*', 1, "date 2000-1-31", kFormula},
+        {kDate, '/', 1, "date 2000-1-31", kFormula},
+        {kDate, '%', 1, "date 2000-1-31", kFormula},
+        {kDate, '\\', 1, "date 2000-1-31", kFormula},
         {kDate, '^', 1, "date 2000-1-31", kFormula},
     };
     for (const auto& row : rows) {
@@ -174,11 +210,14 @@ TEST(FoldTime, EveryCell) {
         const char* value;
         const char* error;
     } rows[] = {
-        {kNothing, '+', 30, "time 30", ""}, {kNothing, '-', 30, "time -30", ""}, {kNothing, '*', 30, "time 0", ""},
-        {kNothing, '/', 30, "time 0", ""},  {kNothing, '%', 30, "time 0", ""},   {kNothing, '/', 0, "time 0", kDivision},
-        {kTime, '+', 30, "time 90", ""},    {kTime, '-', 90, "time -30", ""},    {kTime, '*', 2, "time 120", ""},
-        {kTime, '/', 7, "time 8", ""},      {kTime, '/', -7, "time -8", ""},     {kTime, '/', 0, "time 60", kDivision},
-        {kTime, '%', 7, "time 60", ""},     {kTime, '\\', 7, "time 60", ""},     {kTime, '^', 7, "time 60", ""},
+        {kNothing, '+', 30, "time 30", ""}, {kNothing, '-', 30, "time -30", ""},
+        {kNothing, '*', 30, "time 0", ""},  {kNothing, '/', 30, "time 0", ""},
+        {kNothing, '%', 30, "time 0", ""},  {kNothing, '/', 0, "time 0", kDivision},
+        {kTime, '+', 30, "time 90", ""},    {kTime, '-', 90, "time -30", ""},
+        {kTime, '*', 2, "time 120", ""},    {kTime, '/', 7, "time 8", ""},
+        {kTime, '/', -7, "time -8", ""},    {kTime, '/', 0, "time 60", kDivision},
+        {kTime, '%', 7, "time 60", ""},     {kTime, '\\', 7, "time 60", ""},
+        {kTime, '^', 7, "time 60", ""},
     };
     for (const auto& row : rows) {
         Program program;
@@ -216,11 +255,11 @@ TEST(FoldDate, EveryCell) {
         const char* value;
         const char* error;
     } rows[] = {
-        {kDate, '-', "number 30", ""},               {kDate, '+', "date 2000-1-31", kFormula},
-        {kDate, '*', "date 2000-1-1", ""},           {kDate, '/', "date 2000-1-1", ""},
-        {kDate, '%', "date 2000-1-1", ""},           {kDate, '\\', "date 2000-1-1", ""},
-        {kDate, '^', "date 2000-1-1", ""},           {kNothing, '+', "date 2000-1-1", ""},
-        {kNothing, '-', "date 2000-1-1", ""},        {kNothing, '*', "date 2000-1-1", ""},
+        {kDate, '-', "number 30", ""},        {kDate, '+', "date 2000-1-31", kFormula},
+        {kDate, '*', "date 2000-1-1", ""},    {kDate, '/', "date 2000-1-1", ""},
+        {kDate, '%', "date 2000-1-1", ""},    {kDate, '\\', "date 2000-1-1", ""},
+        {kDate, '^', "date 2000-1-1", ""},    {kNothing, '+', "date 2000-1-1", ""},
+        {kNothing, '-', "date 2000-1-1", ""}, {kNothing, '*', "date 2000-1-1", ""},
     };
     ZR_Date date = {1, 1, 2000};
     for (const auto& row : rows) {
@@ -249,12 +288,18 @@ TEST(FoldText, EveryCell) {
         const char* value;
         const char* error;
     } rows[] = {
-        {kNumber, '*', "text xyxyxyxyxyxyxy", ""}, {kLongint, '*', "text xyxyxyxyxyxyxy", ""},
-        {kNumber, '+', "number 7", kFormula},      {kNumber, '-', "number 7", kFormula},
-        {kNumber, '/', "number 7", kFormula},      {kLongint, '+', "longint 7", kFormula},
-        {kText, '+', "text abxy", ""},             {kText, '-', "text ab", ""},
-        {kText, '*', "text ab", ""},               {kText, '/', "text ab", ""},
-        {kNothing, '+', "text xy", ""},            {kNothing, '-', "text ", ""},
+        {kNumber, '*', "text xyxyxyxyxyxyxy", ""},
+        {kLongint, '*', "text xyxyxyxyxyxyxy", ""},
+        {kNumber, '+', "number 7", kFormula},
+        {kNumber, '-', "number 7", kFormula},
+        {kNumber, '/', "number 7", kFormula},
+        {kLongint, '+', "longint 7", kFormula},
+        {kText, '+', "text abxy", ""},
+        {kText, '-', "text ab", ""},
+        {kText, '*', "text ab", ""},
+        {kText, '/', "text ab", ""},
+        {kNothing, '+', "text xy", ""},
+        {kNothing, '-', "text ", ""},
         {kNothing, '*', "text ", ""},
     };
     for (const auto& row : rows) {
@@ -313,11 +358,16 @@ TEST(FoldWhole, BlobPictureObjectCollectionPointer_ReplaceTheirKindAndNothingEls
         Held operand;
         void (*fold)(ZR_ExecutionContext* context, ZR_Executer_Token* value, ZR_Executer_Token* operand);
     } rows[] = {
-        {kBlob, [](ZR_ExecutionContext* c, ZR_Executer_Token* v, ZR_Executer_Token* o) { c->ExecuteTokenizedBlockBlob(o->GetBlob(), v); }},
-        {kPicture, [](ZR_ExecutionContext* c, ZR_Executer_Token* v, ZR_Executer_Token* o) { c->ExecuteTokenizedBlockPicture(o->GetPicture(), v); }},
-        {kObject, [](ZR_ExecutionContext* c, ZR_Executer_Token* v, ZR_Executer_Token* o) { c->ExecuteTokenizedBlockObject(o->objectRef, v); }},
-        {kCollection, [](ZR_ExecutionContext* c, ZR_Executer_Token* v, ZR_Executer_Token* o) { c->ExecuteTokenizedBlockCollection(o->collectionRef, v); }},
-        {kPointer, [](ZR_ExecutionContext* c, ZR_Executer_Token* v, ZR_Executer_Token* o) { c->ExecuteTokenizedBlockPointer(o, v); }},
+        {kBlob, [](ZR_ExecutionContext* c, ZR_Executer_Token* v,
+                   ZR_Executer_Token* o) { c->ExecuteTokenizedBlockBlob(o->GetBlob(), v); }},
+        {kPicture, [](ZR_ExecutionContext* c, ZR_Executer_Token* v,
+                      ZR_Executer_Token* o) { c->ExecuteTokenizedBlockPicture(o->GetPicture(), v); }},
+        {kObject, [](ZR_ExecutionContext* c, ZR_Executer_Token* v,
+                     ZR_Executer_Token* o) { c->ExecuteTokenizedBlockObject(o->objectRef, v); }},
+        {kCollection, [](ZR_ExecutionContext* c, ZR_Executer_Token* v,
+                         ZR_Executer_Token* o) { c->ExecuteTokenizedBlockCollection(o->collectionRef, v); }},
+        {kPointer, [](ZR_ExecutionContext* c, ZR_Executer_Token* v,
+                      ZR_Executer_Token* o) { c->ExecuteTokenizedBlockPointer(o, v); }},
     };
     for (const auto& row : rows)
         for (int held = 0; held < kHeldKinds; held++) {
@@ -327,12 +377,8 @@ TEST(FoldWhole, BlobPictureObjectCollectionPointer_ReplaceTheirKindAndNothingEls
             bool taken = held == kNothing || held == row.operand;
             EXPECT_EQ(Ended(program), taken ? "" : kInvalid) << row.operand << " on " << held;
             EXPECT_EQ(value.text(), taken ? operand.text() : value.before()) << row.operand << " on " << held;
-            if (row.operand == kObject && taken) {
-                EXPECT_EQ(value->objectRef, operand->objectRef);
-            }
-            if (row.operand == kCollection && taken) {
-                EXPECT_EQ(value->collectionRef, operand->collectionRef);
-            }
+            if (row.operand == kObject && taken) { EXPECT_EQ(value->objectRef, operand->objectRef); }
+            if (row.operand == kCollection && taken) { EXPECT_EQ(value->collectionRef, operand->collectionRef); }
         }
 }
 
@@ -379,7 +425,8 @@ TEST(Comparison, ByKindAndOperator_EveryCell) {
             bool answer = program->ExecuteTokenizedComparison(left.at(1), right.at(1), comparison);
             char expected = row.answers[comparison - 1];
             EXPECT_EQ(answer, expected == '1') << row.label << " " << comparison;
-            EXPECT_EQ(Ended(program), expected == 'x' ? "-26 Comparison not possible!" : "") << row.label << " " << comparison;
+            EXPECT_EQ(Ended(program), expected == 'x' ? "-26 Comparison not possible!" : "")
+                << row.label << " " << comparison;
         }
     }
 }
@@ -403,31 +450,34 @@ TEST(Comparison, InABlock_SplitsItInTwo) {
         {"1=1 & 2=2", "-1@1 Comparison with more than two values is not allowed"},
         {"(1=1) & (2=2)", "boolean true"},
         {"(1=1)=(2=2)", "boolean true"},
-        {"=1", "-23@1 Empty comparison (left)"},
+        {"=1", "-26@1 Empty comparison (left)Comparison not possible!"},
         {"1=", "-25@1 Empty comparison (right)Wrong type in comparison"},  // the kinds are compared all the same
-        {"=", "-23@1 Empty comparison (left)"},
+        {"=", "-26@1 Empty comparison (left)Comparison not possible!"},
         {"1=\"1\"", "-25@1 Wrong type in comparison"},
         {"\"1\"=1", "-25@1 Wrong type in comparison"},
         {"?00:00:01?=1", "-25@1 Wrong type in comparison"},
         {"!2000-01-01!=1", "-25@1 Wrong type in comparison"},
         {"\"abc\">\"a\"", "-26@1 Comparison not possible!"},
         {"True>False", "-26@1 Comparison not possible!"},
-        {"()=()", "-23@1 Empty comparison (left)"},
+        {"()=()", "-26@1 Empty comparison (left)Comparison not possible!"},
         {"//c", "-5@1 Undefined assignment variable type"},
     });
 }
 
 TEST(Comparison, WithALogicOperator_TakesThePartsAsTheyStand) {
     // $b & $x=1 has one comparison, and its left side is $b & $x.
-    EXPECT_EQ(RunForError("$b:=True\n$x:=1\n$r:=$b & $x=1"), "-10@3 Syntax error: Invalid type");
+    EXPECT_EQ(RunForError("$b:=True\n$x:=1\n$r:=$b & $x=1"),
+              "-25@3 Syntax error: Invalid typeWrong type in comparison");
     EXPECT_EQ(RunFor("$b:=True\n$c:=False\n$r:=$b & $c=False"), "boolean true");
 }
 
-TEST(Comparison, ErrorOnTheRight_IsNotTestedBeforeTheKinds) {
+TEST(Comparison, FailedSide_IsNotTestedBeforeTheKinds) {
     Outcome outcome = RunText("$r:=1=$missing");
     EXPECT_EQ(outcome.number, -25);
     EXPECT_EQ(outcome.text, "Unknown Variable \"$missing\"Wrong type in comparison");
-    EXPECT_EQ(RunForError("$r:=$missing=1"), "-14@1 Unknown Variable \"$missing\"");
+    // Of a failed left side the right one is not looked at, and two empty results are compared.
+    EXPECT_EQ(RunForError("$r:=$missing=$other"), "-26@1 Unknown Variable \"$missing\"Comparison not possible!");
+    EXPECT_EQ(RunForError("$r:=1+$missing=1"), "-25@1 Unknown Variable \"$missing\"Wrong type in comparison");
 }
 
 // The pass from left to right --------------------------------------------------------------------------------------
@@ -440,8 +490,8 @@ TEST(Pass, LeftToRight_WithoutPrecedence) {
         {"2+3*4-5/3", "real 5"},
         {"10-4-3", "real 3"},
         {"-5", "real -5"},
-        {"3*-5", "real -2"},       // the minus stands for itself
-        {"3+4 5", "real 12"},      // the operator stays
+        {"3*-5", "real -2"},   // the minus stands for itself
+        {"3+4 5", "real 12"},  // the operator stays
         {"0xFF+1", "real 256"},
         {"7/0", "-2@1 Division by zero"},
         {"\"ab\"*2", "text abab"},
@@ -613,8 +663,7 @@ TEST(VariableOperand, ByKind_FoldsItsValue) {
         {"$v:=New object", "object {}"},
         {"$v:=New collection", "collection []"},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(RunFor(std::string(row.make) + "\n$r:=$v"), row.value) << row.make;
+    for (const auto& row : rows) EXPECT_EQ(RunFor(std::string(row.make) + "\n$r:=$v"), row.value) << row.make;
     for (const char* make : {"$v:=->$x", "C_POINTER($v)", "ARRAY TEXT($v;2)", "ARRAY PICTURE($v;1)"})
         EXPECT_EQ(RunFor(std::string(make) + "\n$r:=7+$v"), "real 7") << make;
 }
@@ -631,9 +680,10 @@ TEST(VariableOperand, DeclaringCommands_MakeTheVariableAndEvaluateNothing) {
     static const struct {
         long command;
         const char* made;
-    } rows[] = {{282, "longint 0"}, {283, "longint 0"}, {284, "text"},  {293, "text"},        {285, "real 0"},
-                {286, "picture 0 bytes"}, {301, "pointer  0"}, {305, "boolean false"}, {306, "time 0"}, {307, "date 0-0-0"},
-                {604, "blob"},     {1216, "object none"}, {1488, "collection none"}};
+    } rows[] = {{282, "longint 0"},       {283, "longint 0"},       {284, "text"},       {293, "text"},
+                {285, "real 0"},          {286, "picture 0 bytes"}, {301, "pointer  0"}, {305, "boolean false"},
+                {306, "time 0"},          {307, "date 0-0-0"},      {604, "blob"},       {1216, "object none"},
+                {1488, "collection none"}};
     for (const auto& row : rows) {
         Program program;
         Tokens tokens;
@@ -662,7 +712,9 @@ TEST(VariableOperand, DeclaringCommands_MakeTheVariableAndEvaluateNothing) {
 // Indexes ----------------------------------------------------------------------------------------------------------
 
 TEST(StringIndex, OneCharacter) {
-    const auto value = [](const char* expression) { return RunFor(std::string("$s:=\"abc\"\n$i:=2\n$r:=") + expression); };
+    const auto value = [](const char* expression) {
+        return RunFor(std::string("$s:=\"abc\"\n$i:=2\n$r:=") + expression);
+    };
     EXPECT_EQ(value("$s[[1]]"), "text a");
     EXPECT_EQ(value("$s[[3]]"), "text c");
     EXPECT_EQ(value("$s[[$i]]"), "text b");
@@ -742,7 +794,8 @@ TEST(ArrayIndex, ElementKinds_FoldedByTheirKind) {
 
 TEST(Member, Chain_ReplacesStepByStep) {
     static const char* make =
-        "$o:=New object\n$o.a:=New object\n$o.a.b:=\"deep\"\n$o.n:=5\n$o.t:=(1=1)\n$o.d:=!2000-01-02!\n$o.c:=New collection\n";
+        "$o:=New object\n$o.a:=New object\n$o.a.b:=\"deep\"\n$o.n:=5\n$o.t:=(1=1)\n$o.d:=!2000-01-02!\n$o.c:=New "
+        "collection\n";
     const auto value = [](const char* expression) { return RunFor(std::string(make) + "$r:=" + expression); };
     EXPECT_EQ(value("$o.n"), "real 5");
     EXPECT_EQ(value("$o.a.b"), "text deep");
@@ -839,9 +892,9 @@ TEST(FieldOperand, ByFieldType_FoldsItsValue) {
     static const struct {
         int type;
         const char* value;
-    } rows[] = {{0, "text field"}, {2, "text field"}, {1, "number 2.5"}, {4, "date 2001-2-3"}, {6, "boolean true"},
-                {8, "number -7"},  {9, "number 70000"}, {11, "time 90"}, {30, "blob 7879"},    {7, "nothing"},
-                {38, "nothing"},   {-1, "nothing"}};
+    } rows[] = {{0, "text field"},   {2, "text field"}, {1, "number 2.5"},   {4, "date 2001-2-3"},
+                {6, "boolean true"}, {8, "number -7"},  {9, "number 70000"}, {11, "time 90"},
+                {30, "blob 7879"},   {7, "nothing"},    {38, "nothing"},     {-1, "nothing"}};
     for (const auto& row : rows) {
         Program program;
         FieldHost host;

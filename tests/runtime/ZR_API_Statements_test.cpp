@@ -38,12 +38,15 @@ TEST(If, Branches_TrueAndFalse_RunTheirLines) {
         {"true with Else", "If (True)\n$r:=1\nElse\n$r:=2\nEnd If", "", "$r", "real 1"},
         {"false with Else", "If (False)\n$r:=1\nElse\n$r:=2\nEnd If", "", "$r", "real 2"},
         {"the line behind", "If (False)\n$r:=1\nElse\n$r:=2\nEnd If\n$r:=$r+10", "", "$r", "real 12"},
-        {"nested, inner false", "If (True)\nIf (False)\n$r:=1\nElse\n$r:=2\nEnd If\nElse\n$r:=3\nEnd If", "", "$r", "real 2"},
-        {"nested, outer false", "If (False)\nIf (True)\n$r:=1\nElse\n$r:=2\nEnd If\nElse\n$r:=3\nEnd If", "", "$r", "real 3"},
+        {"nested, inner false", "If (True)\nIf (False)\n$r:=1\nElse\n$r:=2\nEnd If\nElse\n$r:=3\nEnd If", "", "$r",
+         "real 2"},
+        {"nested, outer false", "If (False)\nIf (True)\n$r:=1\nElse\n$r:=2\nEnd If\nElse\n$r:=3\nEnd If", "", "$r",
+         "real 3"},
         {"nested in the Else", "If (False)\n$r:=1\nElse\nIf (True)\n$r:=4\nEnd If\nEnd If", "", "$r", "real 4"},
         {"blanks in front", "  If (False)\n  $r:=1\n  Else\n  $r:=2\n  End If", "", "$r", "real 2"},
         {"lower case", "if (false)\n$r:=1\nelse\n$r:=2\nend if", "", "$r", "real 2"},
-        {"siblings of one depth", "If (False)\n$r:=1\nEnd If\nIf (True)\n$r:=2\nElse\n$r:=3\nEnd If", "", "$r", "real 2"},
+        {"siblings of one depth", "If (False)\n$r:=1\nEnd If\nIf (True)\n$r:=2\nElse\n$r:=3\nEnd If", "", "$r",
+         "real 2"},
         {"condition of several parts", "If (True) & (False)\n$r:=1\nElse\n$r:=2\nEnd If", "", "$r", "real 2"},
         {"condition of several parts", "If (True) | (False)\n$r:=1\nElse\n$r:=2\nEnd If", "", "$r", "real 1"},
         {"empty body", "If (True)\nElse\nEnd If\n$r:=7", "", "$r", "real 7"},
@@ -61,18 +64,22 @@ TEST(If, Errors_ExactWords) {
         {"no end, false", "If (False)\n$r:=1", "-15@1 End If expected", "$r", "missing"},
         {"no end, Else reached", "If (True)\n$r:=1\nElse\n$r:=2", "-15@3 End If expected", "$r", "real 1"},
         {"no end, true: harmless", "If (True)\n$r:=1", "", "$r", "real 1"},
-        {"end of a Case stops the search", "If (False)\n$r:=1\nEnd case\nElse\nEnd If", "-15@1 End If expected", nullptr, nullptr},
+        {"end of a Case stops the search", "If (False)\n$r:=1\nEnd case\nElse\nEnd If", "-15@1 End If expected",
+         nullptr, nullptr},
         {"End If alone is harmless", "End If\n$r:=1", "", "$r", "real 1"},
         {"Else alone is harmless", "Else\n$r:=1", "", "$r", "real 1"},
         {"no bracket", "If\n$r:=1\nEnd If", "-27@1 Wrong If-Statement", "$r", "missing"},
         {"empty bracket", "If ()\n$r:=1\nEnd If", "-27@1 Wrong If-Statement", "$r", "missing"},
         {"number", "If (1)\n$r:=1\nEnd If", "-13@1 Command \"\" wrong parameter type", "$r", "missing"},
-        {"two parameters", "If (True;True)\n$r:=1\nEnd If", "-13@1 Command \"\" wrong count of parameters", "$r", "missing"},
+        {"two parameters", "If (True;True)\n$r:=1\nEnd If", "-13@1 Command \"\" wrong count of parameters", "$r",
+         "missing"},
         {"a number behind", "If (True)+1\n$r:=1\nEnd If", "-10@1 Syntax error: Invalid type", "$r", "missing"},
-        {"a text without bracket", "If \"x\"\n$r:=1\nEnd If", "-13@1 Command \"\" wrong count of parameters", "$r", "missing"},
-        {"missing variable on the left", "If ($x=1)\nEnd If", "-14@1 Unknown Variable \"$x\"", nullptr, nullptr},
-        {"missing variable on the right", "If (1=$x)\nEnd If",
-         "-25@1 Unknown Variable \"$x\"Wrong type in comparison", nullptr, nullptr},
+        {"a text without bracket", "If \"x\"\n$r:=1\nEnd If", "-13@1 Command \"\" wrong count of parameters", "$r",
+         "missing"},
+        {"missing variable on the left", "If ($x=1)\nEnd If", "-26@1 Unknown Variable \"$x\"Comparison not possible!",
+         nullptr, nullptr},
+        {"missing variable on the right", "If (1=$x)\nEnd If", "-25@1 Unknown Variable \"$x\"Wrong type in comparison",
+         nullptr, nullptr},
     };
     Check(rows);
 }
@@ -90,20 +97,13 @@ TEST(For, Passes_RunOncePerValueAndLeaveTheVariableBehindTheEnd) {
         const char* values;
         const char* after;
     } rows[] = {
-        {"For ($i;1;3)", "1|2|3", "longint 4"},
-        {"For ($i;3;1;-1)", "3|2|1", "longint 0"},
-        {"For ($i;1;3;0)", "", "longint 1"},
-        {"For ($i;5;1)", "", "longint 5"},
-        {"For ($i;1;1)", "1", "longint 2"},
-        {"For ($i;1;10;4)", "1|5|9", "longint 13"},
-        {"For ($i;1;10;4.9)", "1|5|9", "longint 13"},
-        {"For ($i;1;3;0.5)", "", "longint 1"},
-        {"For ($i;1.9;3.9)", "1|2|3", "longint 4"},
-        {"For ($i;-2;0)", "-2|-1|0", "longint 1"},
-        {"For ($i;1;3;-1)", "", "longint 1"},
-        {"For ($i;-1;-5;-2)", "-1|-3|-5", "longint -7"},
-        {"For ($i;0x01;0x03)", "1|2|3", "longint 4"},
-        {"For ($i;1+1;2*2)", "2|3|4", "longint 5"},
+        {"For ($i;1;3)", "1|2|3", "longint 4"},       {"For ($i;3;1;-1)", "3|2|1", "longint 0"},
+        {"For ($i;1;3;0)", "", "longint 1"},          {"For ($i;5;1)", "", "longint 5"},
+        {"For ($i;1;1)", "1", "longint 2"},           {"For ($i;1;10;4)", "1|5|9", "longint 13"},
+        {"For ($i;1;10;4.9)", "1|5|9", "longint 13"}, {"For ($i;1;3;0.5)", "", "longint 1"},
+        {"For ($i;1.9;3.9)", "1|2|3", "longint 4"},   {"For ($i;-2;0)", "-2|-1|0", "longint 1"},
+        {"For ($i;1;3;-1)", "", "longint 1"},         {"For ($i;-1;-5;-2)", "-1|-3|-5", "longint -7"},
+        {"For ($i;0x01;0x03)", "1|2|3", "longint 4"}, {"For ($i;1+1;2*2)", "2|3|4", "longint 5"},
         {"For ($i;1;-0.5)", "", "longint 1"},
     };
     for (const auto& row : rows) {
@@ -115,8 +115,10 @@ TEST(For, Passes_RunOncePerValueAndLeaveTheVariableBehindTheEnd) {
 }
 
 TEST(For, EndAndStep_EvaluatedAtEveryPass) {
-    EXPECT_EQ(RunText("$n:=9\n$t:=\"\"\nFor ($i;1;$n)\n$t:=$t+String($i)\nIf ($i=3)\n$n:=4\nEnd If\nEnd For")["$t"], "text 1234");
-    EXPECT_EQ(RunText("$s:=1\n$t:=\"\"\nFor ($i;1;20;$s)\n$t:=$t+String($i)+\",\"\n$s:=$s*2\nEnd For")["$t"], "text 1,3,7,15,");
+    EXPECT_EQ(RunText("$n:=9\n$t:=\"\"\nFor ($i;1;$n)\n$t:=$t+String($i)\nIf ($i=3)\n$n:=4\nEnd If\nEnd For")["$t"],
+              "text 1234");
+    EXPECT_EQ(RunText("$s:=1\n$t:=\"\"\nFor ($i;1;20;$s)\n$t:=$t+String($i)+\",\"\n$s:=$s*2\nEnd For")["$t"],
+              "text 1,3,7,15,");
     // A step that turns negative ends the loop once the variable falls below the end.
     EXPECT_EQ(RunText("$s:=1\n$t:=\"\"\nFor ($i;1;3;$s)\n$t:=$t+String($i)+\",\"\n$s:=-1\nEnd For")["$t"], "text 1,");
 }
@@ -149,16 +151,17 @@ TEST(For, Body_MayChangeTheVariable) {
 }
 
 TEST(For, Nested_InnerLoopStartsAnewAtEveryPassOfTheOuter) {
-    Outcome outcome = RunText(
-        "$t:=\"\"\nFor ($i;1;3)\nFor ($j;1;$i)\n$t:=$t+String($j)\nEnd For\n$t:=$t+\".\"\nEnd For");
+    Outcome outcome =
+        RunText("$t:=\"\"\nFor ($i;1;3)\nFor ($j;1;$i)\n$t:=$t+String($j)\nEnd For\n$t:=$t+\".\"\nEnd For");
     EXPECT_EQ(outcome["$t"], "text 1.12.123.");
 }
 
 TEST(For, Recursion_EachFrameHasLoopsOfItsOwn) {
-    Program program = {{"Down", "$n:=$1\nFor ($i;1;2)\ntrail:=trail+String($n)\nIf ($n>1)\nDown($n-1)\nEnd If\nEnd For"}};
+    Program program = {
+        {"Down", "$n:=$1\nFor ($i;1;2)\ntrail:=trail+String($n)\nIf ($n>1)\nDown($n-1)\nEnd If\nEnd For"}};
     Outcome outcome = program.Run("trail:=\"\"\nDown(2)");
-  EXPECT_EQ(outcome.error(), "");
-  EXPECT_EQ(outcome["trail"], "text 211211");
+    EXPECT_EQ(outcome.error(), "");
+    EXPECT_EQ(outcome["trail"], "text 211211");
 }
 
 TEST(For, Errors_ExactWords) {
@@ -217,14 +220,16 @@ TEST(Repeat, Body_RunsUntilTrue) {
     static const Row rows[] = {
         {"three times", "$r:=0\nRepeat\n$r:=$r+1\nUntil ($r=3)", "", "$r", "real 3"},
         {"at least once", "$r:=0\nRepeat\n$r:=$r+1\nUntil (True)", "", "$r", "real 1"},
-        {"nested", "$r:=0\n$i:=0\nRepeat\n$i:=$i+1\n$j:=0\nRepeat\n$j:=$j+1\n$r:=$r+1\nUntil ($j=2)\nUntil ($i=3)", "", "$r", "real 6"},
+        {"nested", "$r:=0\n$i:=0\nRepeat\n$i:=$i+1\n$j:=0\nRepeat\n$j:=$j+1\n$r:=$r+1\nUntil ($j=2)\nUntil ($i=3)", "",
+         "$r", "real 6"},
         {"Repeat alone", "Repeat\n$r:=1", "", "$r", "real 1"},
         {"Until true alone", "Until (True)\n$r:=1", "", "$r", "real 1"},
         {"Until alone", "$r:=1\nUntil (False)", "-18@2 Repeat expected", "$r", "real 1"},
         {"no bracket", "Repeat\nUntil", "-29@2 Wrong Repeat/Until-Statement", nullptr, nullptr},
         {"empty bracket", "Repeat\nUntil ()", "-29@2 Wrong Repeat/Until-Statement", nullptr, nullptr},
         {"a text", "Repeat\nUntil (\"x\")", "-13@2 Command \"\" wrong parameter type", nullptr, nullptr},
-        {"two parameters", "Repeat\nUntil (True;False)", "-13@2 Command \"\" wrong count of parameters", nullptr, nullptr},
+        {"two parameters", "Repeat\nUntil (True;False)", "-13@2 Command \"\" wrong count of parameters", nullptr,
+         nullptr},
     };
     Check(rows);
 }
@@ -233,15 +238,19 @@ TEST(While, Body_RunsWhileTrue) {
     static const Row rows[] = {
         {"three times", "$r:=0\nWhile ($r<3)\n$r:=$r+1\nEnd while", "", "$r", "real 3"},
         {"never", "$r:=0\nWhile (False)\n$r:=$r+1\nEnd while\n$q:=1", "", "$r", "real 0"},
-        {"nested", "$r:=0\n$i:=0\nWhile ($i<3)\n$i:=$i+1\n$j:=0\nWhile ($j<2)\n$j:=$j+1\n$r:=$r+1\nEnd while\nEnd while", "", "$r", "real 6"},
-        {"sibling before", "$r:=0\nWhile ($r<2)\n$r:=$r+1\nEnd while\nWhile ($r<5)\n$r:=$r+1\nEnd while", "", "$r", "real 5"},
+        {"nested",
+         "$r:=0\n$i:=0\nWhile ($i<3)\n$i:=$i+1\n$j:=0\nWhile ($j<2)\n$j:=$j+1\n$r:=$r+1\nEnd while\nEnd while", "",
+         "$r", "real 6"},
+        {"sibling before", "$r:=0\nWhile ($r<2)\n$r:=$r+1\nEnd while\nWhile ($r<5)\n$r:=$r+1\nEnd while", "", "$r",
+         "real 5"},
         {"no end, false", "While (False)\n$r:=1", "-19@1 End While expected", "$r", "missing"},
         {"no end, true: harmless", "While (True)\n$r:=1", "", "$r", "real 1"},
         {"end alone", "$r:=1\nEnd while", "-20@2 While expected", "$r", "real 1"},
         {"no bracket", "While\nEnd while", "-28@1 Wrong While-Statement", nullptr, nullptr},
         {"empty bracket", "While ()\nEnd while", "-28@1 Wrong While-Statement", nullptr, nullptr},
         {"a number", "While (1)\nEnd while", "-13@1 Command \"\" wrong parameter type", nullptr, nullptr},
-        {"two parameters", "While (True;False)\nEnd while", "-13@1 Command \"\" wrong count of parameters", nullptr, nullptr},
+        {"two parameters", "While (True;False)\nEnd while", "-13@1 Command \"\" wrong count of parameters", nullptr,
+         nullptr},
     };
     Check(rows);
 }
@@ -249,7 +258,8 @@ TEST(While, Body_RunsWhileTrue) {
 // Case of ----------------------------------------------------------------------------------------------------------
 
 TEST(CaseOf, Branches_FirstTrueOneRuns) {
-    static const char* body = "Case of\n: ($a=1)\n$r:=1\n: ($a=2)\n$r:=2\n$r:=$r*10\n: ($a<4)\n$r:=3\nElse\n$r:=4\nEnd case\n$q:=1";
+    static const char* body =
+        "Case of\n: ($a=1)\n$r:=1\n: ($a=2)\n$r:=2\n$r:=$r*10\n: ($a<4)\n$r:=3\nElse\n$r:=4\nEnd case\n$q:=1";
     static const struct {
         int a;
         const char* r;
@@ -267,22 +277,33 @@ TEST(CaseOf, Forms_WithoutElseAndWithoutBranches) {
         {"no branch true, no Else", "Case of\n: (False)\n$r:=1\nEnd case\n$q:=1", "", "$q", "real 1"},
         {"no branches", "Case of\nEnd case\n$q:=1", "", "$q", "real 1"},
         {"Else alone is the default", "Case of\nElse\n$r:=5\nEnd case", "", "$r", "real 5"},
-        {"lines before the first branch are passed over", "Case of\n$r:=9\n: (True)\n$q:=1\nEnd case", "", "$r", "missing"},
+        {"lines before the first branch are passed over", "Case of\n$r:=9\n: (True)\n$q:=1\nEnd case", "", "$r",
+         "missing"},
         {"branch without brackets", "Case of\n: 1=1\n$r:=1\nEnd case", "", "$r", "real 1"},
         {"empty body", "Case of\n: (True)\n: (True)\n$r:=2\nEnd case", "", "$r", "missing"},
-        {"only the first line behind Else is entered from above", "Case of\n: (False)\nElse\n$r:=1\n$r:=$r+1\nEnd case", "", "$r", "real 2"},
+        {"only the first line behind Else is entered from above", "Case of\n: (False)\nElse\n$r:=1\n$r:=$r+1\nEnd case",
+         "", "$r", "real 2"},
         {"End case alone is harmless", "End case\n$r:=1", "", "$r", "real 1"},
-        {"in an If", "If (True)\nCase of\n: (True)\n$r:=1\nElse\n$r:=2\nEnd case\nElse\n$r:=3\nEnd If", "", "$r", "real 1"},
-        {"an If behind a line in a branch", "Case of\n: (True)\n$q:=1\nIf (False)\n$r:=1\nElse\n$r:=2\nEnd If\n: (True)\n$r:=3\nEnd case", "", "$r", "real 2"},
-        {"an If behind a line in a passed branch", "Case of\n: (False)\n$q:=1\nIf (False)\n$r:=1\nEnd If\n: (True)\n$r:=3\nEnd case", "", "$r", "real 3"},
-        {"in a loop", "$r:=\"\"\nFor ($i;1;4)\nCase of\n: ($i=2)\n$r:=$r+\"b\"\n: ($i=4)\n$r:=$r+\"d\"\nElse\n$r:=$r+\"-\"\nEnd case\nEnd For", "", "$r", "text -b-d"},
+        {"in an If", "If (True)\nCase of\n: (True)\n$r:=1\nElse\n$r:=2\nEnd case\nElse\n$r:=3\nEnd If", "", "$r",
+         "real 1"},
+        {"an If behind a line in a branch",
+         "Case of\n: (True)\n$q:=1\nIf (False)\n$r:=1\nElse\n$r:=2\nEnd If\n: (True)\n$r:=3\nEnd case", "", "$r",
+         "real 2"},
+        {"an If behind a line in a passed branch",
+         "Case of\n: (False)\n$q:=1\nIf (False)\n$r:=1\nEnd If\n: (True)\n$r:=3\nEnd case", "", "$r", "real 3"},
+        {"in a loop",
+         "$r:=\"\"\nFor ($i;1;4)\nCase of\n: ($i=2)\n$r:=$r+\"b\"\n: ($i=4)\n$r:=$r+\"d\"\nElse\n$r:=$r+\"-\"\nEnd "
+         "case\nEnd For",
+         "", "$r", "text -b-d"},
     };
     Check(rows);
 }
 
 TEST(CaseOf, Conditions_EvaluatedInOrderUpToTheTrueOne) {
     Program program = {{"Ask", "trail:=trail+$1\n$0:=($1=\"c\")"}};
-    Outcome outcome = program.Run("trail:=\"\"\nCase of\n: (Ask(\"a\"))\n$r:=1\n: (Ask(\"b\"))\n$r:=2\n: (Ask(\"c\"))\n$r:=3\n: (Ask(\"d\"))\n$r:=4\nEnd case");
+    Outcome outcome = program.Run(
+        "trail:=\"\"\nCase of\n: (Ask(\"a\"))\n$r:=1\n: (Ask(\"b\"))\n$r:=2\n: (Ask(\"c\"))\n$r:=3\n: "
+        "(Ask(\"d\"))\n$r:=4\nEnd case");
     EXPECT_EQ(outcome.error(), "");
     EXPECT_EQ(outcome["trail"], "text abc");
     EXPECT_EQ(outcome["$r"], "real 3");
@@ -290,8 +311,8 @@ TEST(CaseOf, Conditions_EvaluatedInOrderUpToTheTrueOne) {
 
 // Required: the search for the next branch starts behind the condition at that line's depth.
 TEST(CaseOf, CaseOf_BodyOpensWithBlock_LaterBranchesHidden) {
-    static const char* blocks[] = {"If (True)\n$q:=1\nEnd If", "For ($i;1;1)\n$q:=1\nEnd For", "Repeat\n$q:=1\nUntil (True)",
-                                   "While (False)\n$q:=1\nEnd while"};
+    static const char* blocks[] = {"If (True)\n$q:=1\nEnd If", "For ($i;1;1)\n$q:=1\nEnd For",
+                                   "Repeat\n$q:=1\nUntil (True)", "While (False)\n$q:=1\nEnd while"};
     for (const char* block : blocks) {
         std::string source = std::string("Case of\n: (False)\n") + block + "\n: (True)\n$r:=2\nElse\n$r:=3\nEnd case";
         EXPECT_EQ(RunFor(source), "real 3") << block;
@@ -302,7 +323,8 @@ TEST(CaseOf, CaseOf_BodyOpensWithBlock_LaterBranchesHidden) {
         EXPECT_EQ(outcome["$s"], "real 1") << block;
     }
     // A body that opens with a Case of shows the branches of the inner one.
-    Outcome inner = RunText("Case of\n: (False)\nCase of\n: (True)\n$r:=\"inner\"\nEnd case\n: (True)\n$r:=\"outer\"\nEnd case");
+    Outcome inner =
+        RunText("Case of\n: (False)\nCase of\n: (True)\n$r:=\"inner\"\nEnd case\n: (True)\n$r:=\"outer\"\nEnd case");
     EXPECT_EQ(inner.error(), "");
     EXPECT_EQ(inner["$r"], "text inner");
 }
@@ -311,16 +333,19 @@ TEST(CaseOf, Errors_ExactWords) {
     static const Row rows[] = {
         {"no end, no branch true", "Case of\n: (False)\n$r:=1", "-21@2 End Case expected", nullptr, nullptr},
         {"no end, no branches", "Case of\n$r:=1", "-21@1 End Case expected", "$r", "missing"},
-        {"no end behind a branch", "Case of\n: (True)\n$r:=1\n: (False)\n$r:=2", "-21@4 End case expected", "$r", "real 1"},
-        {"no end behind a branch, Else", "Case of\n: (True)\n$r:=1\nElse\n$r:=2", "-21@4 End case expected", "$r", "real 1"},
+        {"no end behind a branch", "Case of\n: (True)\n$r:=1\n: (False)\n$r:=2", "-21@4 End case expected", "$r",
+         "real 1"},
+        {"no end behind a branch, Else", "Case of\n: (True)\n$r:=1\nElse\n$r:=2", "-21@4 End case expected", "$r",
+         "real 1"},
         {"no end, true branch last: harmless", "Case of\n: (True)\n$r:=1", "", "$r", "real 1"},
         {"a branch outside", "$r:=1\n: (True)", "-21@2 End case expected", "$r", "real 1"},
-        {"a number", "Case of\n: (False)\n$r:=1\n: (5)\n$r:=2\nEnd case", "-22@4 Wrong Case Statement Line #4", "$r", "missing"},
+        {"a number", "Case of\n: (False)\n$r:=1\n: (5)\n$r:=2\nEnd case", "-22@4 Wrong Case Statement Line #4", "$r",
+         "missing"},
         {"a text", "Case of\n: (\"x\")\nEnd case", "-22@2 Wrong Case Statement Line #2", nullptr, nullptr},
         {"nothing", "Case of\n:\nEnd case", "-22@2 Wrong Case Statement Line #2", nullptr, nullptr},
         {"empty bracket", "Case of\n: ()\nEnd case", "-22@2 Wrong Case Statement Line #2", nullptr, nullptr},
-        {"missing variable", "Case of\n: ($x)\nEnd case",
-         "-22@2 Unknown Variable \"$x\"Wrong Case Statement Line #2", nullptr, nullptr},
+        {"missing variable", "Case of\n: ($x)\nEnd case", "-22@2 Unknown Variable \"$x\"Wrong Case Statement Line #2",
+         nullptr, nullptr},
     };
     Check(rows);
 }
@@ -352,9 +377,10 @@ TEST(Lines, ExpressionStatement_LeavesItsValueAsTheResult) {
     static const struct {
         const char* source;
         const char* result;
-    } rows[] = {{"1+2*3", "number 9"},   {"\"a\"+\"b\"", "text ab"}, {"1=1", "boolean true"}, {"(2)", "number 2"},
-                {"$x:=1", "nothing"},    {"", "nothing"},            {"5\n7", "number 5"},      {"ALERT(\"x\")", "nothing"},
-                {"!2/1/2003!", "date 2003-2-1"}, {"True", "boolean true"},  {"1+2 // comment", "number 3"}};
+    } rows[] = {{"1+2*3", "number 9"},    {"\"a\"+\"b\"", "text ab"},    {"1=1", "boolean true"},
+                {"(2)", "number 2"},      {"$x:=1", "nothing"},          {"", "nothing"},
+                {"5\n7", "number 5"},     {"ALERT(\"x\")", "nothing"},   {"!2/1/2003!", "date 2003-2-1"},
+                {"True", "boolean true"}, {"1+2 // comment", "number 3"}};
     for (const auto& row : rows) {
         Program program;
         long reference = program.Add("", row.source);
@@ -372,10 +398,17 @@ TEST(Brackets, Groups_ReducedFromTheInsideOut) {
         const char* expression;
         const char* value;
     } rows[] = {
-        {"1+(2*3)", "real 7"},         {"(1+2)*(3+4)", "real 21"}, {"((((5))))", "real 5"},
-        {"10-(4-(3-(2-1)))", "real 8"}, {"()+1", "real 1"},         {"1+()", "real 1"},
-        {"1)", "real 1"},              {")1", "real 1"},           {")(1)", "real 1"},
-        {"(1=1) & (2=3)", "boolean false"}, {"(\"a\"+\"b\")*2", "text abab"},
+        {"1+(2*3)", "real 7"},
+        {"(1+2)*(3+4)", "real 21"},
+        {"((((5))))", "real 5"},
+        {"10-(4-(3-(2-1)))", "real 8"},
+        {"()+1", "real 1"},
+        {"1+()", "real 1"},
+        {"1)", "real 1"},
+        {")1", "real 1"},
+        {")(1)", "real 1"},
+        {"(1=1) & (2=3)", "boolean false"},
+        {"(\"a\"+\"b\")*2", "text abab"},
         {"(((1)+1)*2)+1", "real 5"},
     };
     for (const auto& row : rows) EXPECT_EQ(RunFor(std::string("$r:=") + row.expression), row.value) << row.expression;
@@ -426,15 +459,18 @@ TEST(Assignment, Targets_ExactWords) {
         {"element by expression", "ARRAY LONGINT($a;3)\n$i:=1\n$a{$i+2}:=7", "", "$a", "array longint [0|0|7]"},
         {"element, index truncated", "ARRAY LONGINT($a;3)\n$a{1.9}:=7", "", "$a", "array longint [7|0|0]"},
         {"element, hexadecimal index", "ARRAY LONGINT($a;3)\n$a{0x03}:=7", "", "$a", "array longint [0|0|7]"},
-        {"index is a text", "ARRAY LONGINT($a;3)\n$a{\"1\"}:=7", "-35@2 Array index must be a number", nullptr, nullptr},
+        {"index is a text", "ARRAY LONGINT($a;3)\n$a{\"1\"}:=7", "-35@2 Array index must be a number", nullptr,
+         nullptr},
         {"empty index", "ARRAY LONGINT($a;3)\n$a{ }:=7", "-10@2 Variable \"$a\" has incorrect type!", nullptr, nullptr},
         {"not closed", "ARRAY LONGINT($a;3)\n$a{1+1:=7", "-34@2 Array access error", nullptr, nullptr},
         {"out of order", "ARRAY LONGINT($a;3)\n$a}1{:=7", "-34@2 Array access error", nullptr, nullptr},
         {"a character", "$s:=\"abc\"\n$s[[1]]:=\"x\"", "-34@2 Array access error", "$s", "text abc"},
-        {"element 0 is the array itself", "ARRAY LONGINT($a;3)\n$a{0}:=7", "-10@2 Variable \"$a\" has incorrect type!", nullptr, nullptr},
+        {"element 0 is the array itself", "ARRAY LONGINT($a;3)\n$a{0}:=7", "-10@2 Variable \"$a\" has incorrect type!",
+         nullptr, nullptr},
         {"behind the end", "ARRAY LONGINT($a;3)\n$a{4}:=7",
          "-36@2 Array access \"a\" not possible. Index: 4 Array size: 3", nullptr, nullptr},
-        {"on a plain variable", "$a:=1\n$a{2}:=3", "-36@2 Array access \"a\" not possible. Index: 2 Array size: 0", "$a", "real 1"},
+        {"on a plain variable", "$a:=1\n$a{2}:=3", "-36@2 Array access \"a\" not possible. Index: 2 Array size: 0",
+         "$a", "real 1"},
         {"missing array", "$a{2}:=3", "-11@1 Variable \"a\" not found!", "$a", "missing"},
     };
     Check(rows);
@@ -445,8 +481,10 @@ TEST(Assignment, Members_WalkToTheLastName) {
         {"new property", "$o:=New object\n$o.a:=1", "", "$o", "object {\"a\":1}"},
         {"property again", "$o:=New object\n$o.a:=1\n$o.a:=\"x\"", "", "$o", "object {\"a\":\"x\"}"},
         {"nested", "$o:=New object\n$o.a:=New object\n$o.a.b:=2", "", "$o", "object {\"a\":{\"b\":2}}"},
-        {"three deep", "$o:=New object\n$o.a:=New object\n$o.a.b:=New object\n$o.a.b.c:=True", "", "$o", "object {\"a\":{\"b\":{\"c\":true}}}"},
-        {"a property on the way that is no object is passed over", "$o:=New object\n$o.a:=5\n$o.a.b:=2", "", "$o", "object {\"a\":5,\"b\":2}"},
+        {"three deep", "$o:=New object\n$o.a:=New object\n$o.a.b:=New object\n$o.a.b.c:=True", "", "$o",
+         "object {\"a\":{\"b\":{\"c\":true}}}"},
+        {"a property on the way that is no object is passed over", "$o:=New object\n$o.a:=5\n$o.a.b:=2", "", "$o",
+         "object {\"a\":5,\"b\":2}"},
         {"a missing property on the way is passed over", "$o:=New object\n$o.x.b:=2", "", "$o", "object {\"b\":2}"},
         {"null object", "C_OBJECT($o)\n$o.a:=1", "-59@2 Object cannot be null", "$o", "object none"},
         {"process variable", "o:=New object\no.a:=1", "", "o", "object {\"a\":1}"},
@@ -456,7 +494,8 @@ TEST(Assignment, Members_WalkToTheLastName) {
         {"no object", "$x:=1\n$x.a:=2", "-58@2 Variable is no object!", "$x", "real 2"},
         {"no object, another kind", "$x:=1\n$x.a:=\"t\"",
          "-10@2 Variable is no object!Variable \"$x\" has incorrect type!", "$x", "real 1"},
-        {"no object, long path", "$x:=1\n$x.a.b.c:=2", "-34@2 Variable is no object!Array access error", "$x", "real 1"},
+        {"no object, long path", "$x:=1\n$x.a.b.c:=2", "-34@2 Variable is no object!Array access error", "$x",
+         "real 1"},
     };
     Check(rows);
 }
@@ -480,7 +519,8 @@ TEST(Pointers, ToVariables_AssignAndRead) {
         {"no pointer", "$p:=1\n$p->:=5", "-12@2 The Variable \"p\" is no pointer!", nullptr, nullptr},
         {"nothing behind", "$p:=->", "-6@1 Pointer points to nothing!", nullptr, nullptr},
         {"empty name", "$p:=->$", "-9@1 Pointer to an invalid Variable!", nullptr, nullptr},
-        {"a pointer alone has no value", "$p:=->$x\n$q:=$p", "-5@2 Undefined assignment variable type", "$q", "missing"},
+        {"a pointer alone has no value", "$p:=->$x\n$q:=$p", "-5@2 Undefined assignment variable type", "$q",
+         "missing"},
     };
     Check(rows);
 }
@@ -549,9 +589,7 @@ TEST(Pointers, MadeFromTokens_EveryTarget) {
         row.fill(&tokens);
         std::string error, list = Resolve(tokens, program, &error);
         EXPECT_EQ(error, row.error) << row.label;
-        if (row.tokens) {
-            EXPECT_EQ(list, row.tokens) << row.label;
-        }
+        if (row.tokens) { EXPECT_EQ(list, row.tokens) << row.label; }
     }
 }
 
@@ -562,8 +600,12 @@ TEST(Pointers, Followed_EveryTarget) {
         long value;
         const char* tokens;
     } rows[] = {
-        {"process", "v", -1, "variable v"},   {"interprocess", "v", -2, "variable <>v"}, {"local", "v", 4, "variable $v"},
-        {"table", "", 3, "table 3"},          {"nil", "", 0, "table 0"},                 {"host", "hosted2", -3, "text from the host"},
+        {"process", "v", -1, "variable v"},
+        {"interprocess", "v", -2, "variable <>v"},
+        {"local", "v", 4, "variable $v"},
+        {"table", "", 3, "table 3"},
+        {"nil", "", 0, "table 0"},
+        {"host", "hosted2", -3, "text from the host"},
         {"missing host variable", "nowhere", -3, "nothing"},
     };
     Machine::Get().host->setVariable(u"hosted2", zrhost::Value(u"from the host"));
@@ -608,12 +650,12 @@ TEST(SetField, ByFieldType_StoresOrRefuses) {
         }
     };
     static const struct {
-        int type, takes;      // takes: kKinds = none
-        const char* stored;   // "" = nothing
+        int type, takes;     // takes: kKinds = none
+        const char* stored;  // "" = nothing
     } rows[] = {
-        {0, kText, "0 text abc"},     {2, kText, "2 text abc"},       {1, kNumber, "1 real 70000.75"},
-        {4, kDate, "4 date 2003-2-1"}, {6, kBoolean, "6 boolean true"}, {8, kNumber, "8 integer 4464"},
-        {9, kNumber, "9 longint 70000"}, {11, kTime, "11 time 90"},   {30, kBlob, "30 blob 7879"},
+        {0, kText, "0 text abc"},        {2, kText, "2 text abc"},        {1, kNumber, "1 real 70000.75"},
+        {4, kDate, "4 date 2003-2-1"},   {6, kBoolean, "6 boolean true"}, {8, kNumber, "8 integer 4464"},
+        {9, kNumber, "9 longint 70000"}, {11, kTime, "11 time 90"},       {30, kBlob, "30 blob 7879"},
     };
     for (const auto& row : rows) {
         for (int which = 0; which < kKinds; which++) {
