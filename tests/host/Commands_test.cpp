@@ -141,6 +141,10 @@ constexpr int kRequired[] = {
     402,
     403,
     976,
+    443,
+    47,
+    640,
+    964,
 };
 
 TEST_F(Commands, Required_EveryNumber_IsServed) {
