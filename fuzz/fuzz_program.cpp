@@ -11,6 +11,12 @@
 #include "app/Values.h"
 #include "runtime/ZR_API_Guards.h"
 
+// A program may ask for large arrays: what is refused here ends in its error -63 and not in the end of the process.
+extern "C" const char* __asan_default_options();
+extern "C" const char* __asan_default_options() {
+    return "allocator_may_return_null=1:max_allocation_size_mb=128:quarantine_size_mb=16";
+}
+
 static constexpr size_t kLongestInput = 64 * 1024;  // bytes
 static constexpr double kSeconds = 0.5;
 static constexpr long kMemory = 256L << 20;  // bytes of storage in all
