@@ -46,7 +46,7 @@ static int Run(std::span<char* const> words) {
         return status;
     } catch (const Refusal& refusal) { Say(refusal.sentence); } catch (const std::bad_alloc&) {
         Say("not enough memory");
-    }
+    } catch (const std::exception& failure) { Say(std::string("the run could not go on: ") + failure.what()); }
     return kWrongUsage;
 }
 

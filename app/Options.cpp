@@ -29,7 +29,7 @@ static std::string SeeHelp(const CommandRow& command) { return "; see zr " + std
 
 // Parsing ----------------------------------------------------------------------------------------------------------
 
-void Arguments::take(const OptionRow& row, std::string_view shown, std::optional<std::string> value) {
+void Arguments::take(const OptionRow& row, std::string_view shown, const std::optional<std::string>& value) {
     if (row.later) throw Refusal{Shown(shown) + " " + row.later};
     if (row.value && !value) throw Refusal{Shown(shown) + " needs a value (" + row.value + ")" + SeeHelp(*command_)};
     if (!row.value && value) throw Refusal{Shown(shown) + " takes no value" + SeeHelp(*command_)};

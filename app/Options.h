@@ -52,7 +52,7 @@ class Arguments {
   private:
     void takeLong(std::string_view word, std::span<char* const> words, size_t* next);
     void takeLetters(std::string_view word, std::span<char* const> words, size_t* next);
-    void take(const OptionRow& row, std::string_view shown, std::optional<std::string> value);
+    void take(const OptionRow& row, std::string_view shown, const std::optional<std::string>& value);
 
     const CommandRow* command_ = nullptr;
     std::vector<std::pair<const OptionRow*, std::string>> options_;

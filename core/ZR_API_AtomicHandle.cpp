@@ -64,7 +64,7 @@ static long FindPointer(ZR_AtomicHandle* table, const void* pointer) {
 }
 
 long ZR_AtomicHandle::Append(void* pointer) {
-    if (anyThread) return 0;
+    if (anyThread || handle.elementSize != sizeof(ZR_AtomicHandleEntry)) return 0;  // or never created
     long reference = 0;
     Lock();
     if (char* entry = handle.AppendGetPtr()) {

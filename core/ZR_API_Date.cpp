@@ -47,7 +47,7 @@ static long DayCount(const ZR_Date& date) {
 }
 
 // Day stepping -----------------------------------------------------------------------------------------------------
-// Add is laid down as single steps. Here each loop takes as many of them at once as have no month's end between them;
+// Add means single steps. Here each loop takes as many of them at once as have no month's end between them;
 // after 65536 years of 16 bits every date comes back, so that no count of steps takes long.
 
 static long DaysOfAllYears() {

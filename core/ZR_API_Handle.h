@@ -110,7 +110,8 @@ struct ZR_Handle {
     void ToFile(const ZR_Text* path) const;           // count elements to a POSIX path; nothing is reported
 
     // Blobs and host exchange: ZR_API_BLOBArray.cpp ----------------------------------------------------------------
-    void CreateBLOBArray(const ZR_Handle* handles, long n);  // overwrites all fields; n of 0 or below: an empty list
+    void CreateBLOBArray(const ZR_Handle* handles,
+                         long n);               // overwrites all fields; n of 0 or below: no blocks, n as it is
     ZR_Handle* ExpandBLOBArray(long* n) const;  // n byte handles; caller disposes each, then delete[]; null = bad
     void CreateFrom4DParameter(PluginBlock* block, short index);  // BLOB parameter; [1..]
     void CreateFrom4DVariable(PA_Variable* variable);             // BLOB variable

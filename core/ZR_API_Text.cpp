@@ -83,8 +83,9 @@ void ZR_Text::AddPascalString(const char* string) {
 // Reading out ------------------------------------------------------------------------------------------------------
 
 unsigned short* ZR_Text::GetUniCharPtr() {
-    if (!Secure(std::max(count, 0L) + 1)) return nullptr;
-    Units()[count] = 0;
+    long end = std::max(count, 0L);
+    if (!Secure(end + 1)) return nullptr;
+    Units()[end] = 0;
     return Units();
 }
 

@@ -70,7 +70,7 @@ struct ZR_Text : ZR_Handle {
     unsigned short GetChar(long index) const { return index >= 0 && index < count && data ? Units()[index] : 0; }
     unsigned short* GetUniCharPtr();  // data with a zero unit behind the last, not counted; borrowed; null = no memory
     char* GetCStringPtr();            // units from 256 up as blanks; borrowed until the next call or Dispose
-    PA_Unistring GetUnistring();      // handed over
+    PA_Unistring GetUnistring();      // handed over; all count units, zero units among them
     PA_Unistring* GetUnistringPtr();  // the cached record; borrowed until the next call or Dispose
     void SetUnistring(const PA_Unistring* record);  // replaces the contents
     // Units from first, the smaller of wanted and room; units behind the end read as 0; [0..count).

@@ -71,9 +71,11 @@ void ZR_TextArray::SetText(long index, const ZR_Text* text) {
 void ZR_TextArray::SetString(long index, const unsigned char* bytes) {
     ZR_Text* element = GetTextPtr(index);
     if (!element) return;
+    ZR_Text fresh;  // first: the bytes may be the element's own
+    fresh.Create();
+    fresh.AddString(bytes);
     element->Dispose();
-    element->Create();
-    element->AddString(bytes);
+    *element = fresh;
 }
 
 void ZR_TextArray::SetString(long index, const char* bytes) {

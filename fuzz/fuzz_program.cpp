@@ -9,10 +9,18 @@
 #include "app/Interpreter.h"
 #include "app/Messages.h"
 #include "app/Values.h"
+#include "runtime/ZR_API_Guards.h"
+
+// A program may ask for large arrays: what is refused here ends in its error -63 and not in the end of the process.
+extern "C" const char* __asan_default_options();
+extern "C" const char* __asan_default_options() {
+    return "allocator_may_return_null=1:max_allocation_size_mb=128:quarantine_size_mb=16";
+}
 
 static constexpr size_t kLongestInput = 64 * 1024;  // bytes
 static constexpr double kSeconds = 0.5;
-static constexpr long kDeepest = 200;  // calls
+static constexpr long kMemory = 256L << 20;  // bytes of storage in all
+static constexpr long kDeepest = 200;        // calls
 
 // Commands that reach out of the process, or wait.
 static const char kDenied[] =
@@ -24,6 +32,7 @@ static zrtool::Interpreter& StartedInterpreter() {
         zrhost::Options options;
         options.alert = [](std::u16string_view) {};
         options.notServed = [](int, std::string_view) {};
+        ZR_SetMemoryLimit(kMemory);
         return new zrtool::Interpreter(std::move(options));
     }();
     return *interpreter;

@@ -1,7 +1,9 @@
 // The door of the host: one small function a selector, named as the selector is, so that a selector without a function
 // does not compile. What comes in may be null, negative or absurd; what is an address is null or right.
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <memory>
 #include <new>
 
 #include "host/CommandCall.h"
@@ -33,11 +35,6 @@ std::u16string_view Units(int64_t address, int64_t length) {
 }
 
 int16_t Answer(bool ok, int16_t error = ZR_ERR_PARAMETER) { return ok ? int16_t(ZR_ERR_NONE) : error; }
-
-void Undefine(PA_Variable* record) {
-    std::memset(record, 0, sizeof *record);
-    record->fType = eVK_Undefined;
-}
 
 // Memory -----------------------------------------------------------------------------------------------------------
 
@@ -206,7 +203,7 @@ int16_t ServePointerProperties(Block& block, Host* host) {
 int16_t ServeGetPointerValue(Block& block, Host* host) {
     const PointerBlock* pointer = PointerOf(block);
     if (!block.fParam1) return ZR_ERR_PARAMETER;
-    Undefine(Record(block.fParam1));
+    ResetRecord(Record(block.fParam1));
     if (!pointer) return ZR_ERR_PARAMETER;
     if (pointer->fIsVariable != 1) return ZR_ERR_NO_RECORD;
     ReadPointer(host->inside(), *pointer, Record(block.fParam1));
@@ -253,7 +250,7 @@ int16_t ServeObjectGetProperty(Block& block, Host*) {
     if (!block.fParam3) return ZR_ERR_PARAMETER;
     Object* object = CheckedObject(At<void>(block.fParam1));
     if (!object) {
-        Undefine(Record(block.fParam3));
+        ResetRecord(Record(block.fParam3));
         return ZR_ERR_PARAMETER;
     }
     return Answer(WriteRecord(Record(block.fParam3), object->get(KeyOf(block))), ZR_ERR_MEMORY);
@@ -298,7 +295,7 @@ int16_t ServeCollectionLength(Block& block, Host*) {
 int16_t ServeCollectionGetElement(Block& block, Host*) {
     if (!block.fParam3) return ZR_ERR_PARAMETER;
     Collection* collection = CheckedCollection(At<void>(block.fParam1));
-    Undefine(Record(block.fParam3));
+    ResetRecord(Record(block.fParam3));
     if (!collection || block.fParam2 < 0 || block.fParam2 >= int64_t(collection->size())) return ZR_ERR_PARAMETER;
     return Answer(WriteRecord(Record(block.fParam3), collection->at(size_t(block.fParam2))), ZR_ERR_MEMORY);
 }
@@ -319,36 +316,44 @@ class Parameters {
     Parameters(int64_t table, int64_t count) {
         sane_ = count >= 0 && count <= kMostParameters && (table || count == 0);
         if (!sane_) return;
-        records_.resize(size_t(count));
-        for (int64_t i = 0; i < count; ++i) {
+        count_ = int(count);
+        if (count_ > int(few_.size())) many_.resize(size_t(count_));
+        for (int i = 0; i < count_; ++i) {
             PA_Variable* record = At<PA_Variable*>(table)[i];
-            records_[size_t(i)] = record ? record : &missing_.record();
+            if (!record && !missing_) missing_ = std::make_unique<Variable>();
+            data()[i] = record ? record : &missing_->record();
         }
     }
     bool sane() const { return sane_; }
-    int count() const { return int(records_.size()); }
-    PA_Variable** data() { return records_.data(); }
-    std::vector<Value> values(size_t from = 0) const {
+    int count() const { return count_; }
+    PA_Variable** data() { return many_.empty() ? few_.data() : many_.data(); }
+    std::vector<Value> values() {
         std::vector<Value> values;
-        for (size_t i = from; i < records_.size(); ++i) values.push_back(ReadRecord(*records_[i]));
+        for (int i = 0; i < count_; ++i) values.push_back(ReadRecord(*data()[i]));
         return values;
     }
 
   private:
     bool sane_ = false;
-    std::vector<PA_Variable*> records_;
-    Variable missing_;
+    int count_ = 0;
+    std::array<PA_Variable*, 16> few_;
+    std::vector<PA_Variable*> many_;
+    std::unique_ptr<Variable> missing_;
 };
 
 // Where a call leaves its result: the caller's record, or nowhere.
 class Result {
   public:
-    explicit Result(int64_t address) : record_(address ? Record(address) : &unwanted_.record()) { Undefine(record_); }
+    explicit Result(int64_t address) : record_(Record(address)) {
+        if (!record_) unwanted_ = std::make_unique<Variable>();
+        if (!record_) record_ = &unwanted_->record();
+        ResetRecord(record_);
+    }
     PA_Variable* record() { return record_; }
     void write(const Value& value) { WriteRecord(record_, value); }
 
   private:
-    Variable unwanted_;
+    std::unique_ptr<Variable> unwanted_;
     PA_Variable* record_;
 };
 
@@ -507,7 +512,7 @@ int16_t ServeRelate(Block&, Host*) { return ZR_ERR_NO_RECORD; }
 int16_t ServeUseAutomaticRelations(Block&, Host*) { return ZR_ERR_NONE; }
 int16_t ServeGetField(Block& block, Host*) {
     if (!block.fParam3) return ZR_ERR_PARAMETER;
-    Undefine(Record(block.fParam3));
+    ResetRecord(Record(block.fParam3));
     return ZR_ERR_NO_RECORD;
 }
 int16_t ServeSetField(Block&, Host*) { return ZR_ERR_NO_RECORD; }
@@ -601,7 +606,7 @@ int16_t ServeCloseDialog(Block&, Host*) { return ZR_ERR_NO_DIALOG; }
 int16_t ServeDialogUpdate(Block&, Host*) { return ZR_ERR_NO_DIALOG; }
 int16_t ServeDialogSet(Block&, Host*) { return ZR_ERR_NO_DIALOG; }
 int16_t ServeDialogGet(Block& block, Host*) {
-    if (block.fParam1) Undefine(Record(block.fParam1));
+    if (block.fParam1) ResetRecord(Record(block.fParam1));
     return ZR_ERR_NO_DIALOG;
 }
 int16_t ServeDialogSetEnterable(Block&, Host*) { return ZR_ERR_NO_DIALOG; }

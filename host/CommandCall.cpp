@@ -34,6 +34,13 @@ bool Assign(CommandCall& call, int i, const Value& value) {
     return call.has(i) && AssignRecord(call.parameters[i - 1], value);
 }
 
+// The result as an empty value of that kind; what it held is freed.
+PA_Variable* Clean(CommandCall& call, int kind) {
+    if (call.result->fType != eVK_Undefined) ClearRecord(call.result);
+    ResetRecord(call.result, kind);
+    return call.result;
+}
+
 void Set(CommandCall& call, const Value& value) {
     ClearRecord(call.result);
     if (!WriteRecord(call.result, value)) call.error = ZR_ERR_MEMORY;
@@ -257,19 +264,17 @@ bool CommandCall::clear(int i) {
 
 // The result -------------------------------------------------------------------------------------------------------
 
-void CommandCall::setReal(double number) { Set(*this, Value(number)); }
-void CommandCall::setLongint(int32_t number) { Set(*this, Value::Longint(number)); }
+void CommandCall::setReal(double number) { Clean(*this, eVK_Real)->uValue.fReal = number; }
+void CommandCall::setLongint(int32_t number) { Clean(*this, eVK_Longint)->uValue.fLongint = number; }
 void CommandCall::setText(std::u16string_view text) {
     PA_Unistring made;
     if (!MakeUnistring(&made, text)) error = ZR_ERR_MEMORY;
-    ClearRecord(result);
-    result->fType = eVK_Text;
-    result->uValue.fText = made;
+    Clean(*this, eVK_Text)->uValue.fText = made;
 }
 void CommandCall::setText(std::string_view utf8) { setText(FromUtf8(utf8)); }
-void CommandCall::setBoolean(bool boolean) { Set(*this, Value(boolean)); }
+void CommandCall::setBoolean(bool boolean) { Clean(*this, eVK_Boolean)->uValue.fBoolean = boolean; }
 void CommandCall::setDate(Date date) { Set(*this, Value(date)); }
-void CommandCall::setTime(int32_t seconds) { Set(*this, Value::Time(seconds)); }
+void CommandCall::setTime(int32_t seconds) { Clean(*this, eVK_Time)->uValue.fLongint = seconds; }
 void CommandCall::setBlob(std::span<const uint8_t> bytes) {
     Set(*this, Value(Value::Bytes(bytes.begin(), bytes.end())));
 }

@@ -8,6 +8,7 @@
     X(commandsArrays)           \
     X(commandsBlobs)            \
     X(commandsDates)            \
+    X(commandsDigests)          \
     X(commandsDocuments)        \
     X(commandsFonts)            \
     X(commandsLanguage)         \

@@ -430,6 +430,38 @@ void BlobToVariable(CommandCall& call) {
     call.setOK(true);
 }
 
+// 75 SAVE VARIABLES(path; variable...): their values one after the other
+void SaveVariables(CommandCall& call) {
+    const std::string path = FullPath(call, 1);
+    if (path.empty()) return Finish(call, kBadName);
+    Bytes all;
+    for (int i = 2; i <= call.count; ++i) {
+        Writer writer;
+        if (!writer.record(call.value(i))) return Refuse(call);
+        all.insert(all.end(), writer.bytes.begin(), writer.bytes.end());
+    }
+    const int error = WriteWholeFile(path, all);
+    if (error == 0) call.setDocument(FromUtf8(path));
+    Finish(call, error);
+}
+
+// 74 LOAD VARIABLES(path; variable...): in the order in which they were saved; OK 0 at the first that does not fit
+void LoadVariables(CommandCall& call) {
+    const std::string path = FullPath(call, 1);
+    Bytes all;
+    const int error = path.empty() ? int(kBadName) : ReadWholeFile(path, &all);
+    if (error != 0) return Finish(call, error);
+    std::span<const uint8_t> rest(all);
+    for (int i = 2; i <= call.count; ++i) {
+        Reader reader(rest);
+        Value value;
+        if (!reader.mark() || !reader.record(&value) || !call.assignValue(i, value)) return Refuse(call);
+        rest = rest.subspan(reader.taken());
+    }
+    call.setDocument(FromUtf8(path));
+    call.setOK(true);
+}
+
 // Compression ------------------------------------------------------------------------------------------------------
 
 // zlib, opened at the first need.
@@ -620,10 +652,11 @@ void Base64Decode(CommandCall& call) {
 }
 
 constexpr CommandRow kRows[] = {
-    {532, VariableToBlob}, {533, BlobToVariable}, {534, CompressBlob},  {535, ExpandBlob},    {536, BlobProperties},
-    {548, IntegerToBlob},  {549, BlobToInteger},  {550, LongintToBlob}, {551, BlobToLongint}, {552, RealToBlob},
-    {553, BlobToReal},     {554, TextToBlob},     {555, BlobToText},    {558, CopyBlob},      {559, InsertInBlob},
-    {560, DeleteFromBlob}, {605, BlobSize},       {606, SetBlobSize},   {895, Base64Encode},  {896, Base64Decode},
+    {74, LoadVariables},  {75, SaveVariables},   {532, VariableToBlob}, {533, BlobToVariable}, {534, CompressBlob},
+    {535, ExpandBlob},    {536, BlobProperties}, {548, IntegerToBlob},  {549, BlobToInteger},  {550, LongintToBlob},
+    {551, BlobToLongint}, {552, RealToBlob},     {553, BlobToReal},     {554, TextToBlob},     {555, BlobToText},
+    {558, CopyBlob},      {559, InsertInBlob},   {560, DeleteFromBlob}, {605, BlobSize},       {606, SetBlobSize},
+    {895, Base64Encode},  {896, Base64Decode},
 };
 
 }  // namespace

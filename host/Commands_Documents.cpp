@@ -731,7 +731,26 @@ TextForm ReadForm(const CommandCall& call, int first) {  // [charset]; [break mo
     return form;
 }
 
-// 1236 Document to text(path; [charset]; [breakMode]): UTF-8 unless a byte order mark or the charset says otherwise
+// The charset that a byte order mark tells; empty = none.
+std::string CharsetOfMark(std::span<const uint8_t> bytes) {
+    static constexpr struct {
+        std::string_view mark;
+        const char* charset;
+    } kMarks[] = {
+        {std::string_view("\xFF\xFE\0\0", 4), "UTF-32LE"},
+        {std::string_view("\0\0\xFE\xFF", 4), "UTF-32BE"},
+        {"\xEF\xBB\xBF", "UTF-8"},
+        {"\xFF\xFE", "UTF-16LE"},
+        {"\xFE\xFF", "UTF-16BE"},
+    };
+    const std::string_view start(reinterpret_cast<const char*>(bytes.data()), std::min<size_t>(bytes.size(), 4));
+    for (const auto& row : kMarks)
+        if (start.substr(0, row.mark.size()) == row.mark) return row.charset;
+    return {};
+}
+
+// 1236 Document to text(path; [charset]; [breakMode]): without a charset the byte order mark tells it,
+// else it is UTF-8
 void DocumentToText(CommandCall& call) {
     const TextForm form = ReadForm(call, 2);
     std::vector<uint8_t> bytes;
@@ -741,7 +760,8 @@ void DocumentToText(CommandCall& call) {
     const int error = path.empty() ? int(kBadName) : ReadWholeFile(path, &bytes);
     if (error != 0) return Finish(call, error);
     std::u16string text;
-    call.setOK(DecodeText(bytes, form.charset, &text));
+    const std::string marked = call.has(2) ? std::string() : CharsetOfMark(bytes);
+    call.setOK(DecodeText(bytes, marked.empty() ? form.charset : marked, &text));
     std::u16string_view body = text;
     if (!body.empty() && body[0] == 0xFEFF) body.remove_prefix(1);
     call.setText(WithBreaks(body, form.breaks));

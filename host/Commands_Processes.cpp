@@ -164,12 +164,12 @@ struct Worker {
 
 struct Workers {
     std::mutex mutex;
-    std::map<std::u16string, std::shared_ptr<Worker>> byName;
+    std::map<std::u16string, std::shared_ptr<Worker>> byName;  // by folded name
 
     std::shared_ptr<Worker> find(const CommandCall& call, int i) {
         std::lock_guard lock(mutex);
         for (const auto& [name, worker] : byName)
-            if (call.isText(i) ? EqualNames(name, call.text(i)) : worker->process == call.integer(i)) return worker;
+            if (call.isText(i) ? name == FoldName(call.text(i)) : worker->process == call.integer(i)) return worker;
         return nullptr;
     }
     void forget(const Worker* worker) {
@@ -183,7 +183,8 @@ std::shared_ptr<Worker> StartWorker(CommandCall& call, const std::u16string& nam
     Workers& workers = call.host.state<Workers>();
     {
         std::lock_guard lock(workers.mutex);
-        workers.byName[name] = worker;
+        const auto [row, isNew] = workers.byName.try_emplace(FoldName(name), worker);
+        if (!isNew) return row->second;  // another process was faster
     }
     Host* host = &call.host;
     worker->process = host->runProcess(name, /*preemptive*/ false, [host, worker, &workers] {

@@ -129,7 +129,8 @@ void GetSystemInfo(CommandCall& call) {
 // screen: 0 of each
 void NoScreen(CommandCall& call) { call.setLongint(0); }
 
-// 438 SCREEN COORDINATES(left; top; right; bottom; [screen]; [area]): all 0
+// 438 SCREEN COORDINATES(left; top; right; bottom; [screen]; [area]), 443 GET WINDOW RECT(left; top; right; bottom;
+// [window]): all 0
 void ScreenCoordinates(CommandCall& call) {
     for (int i = 1; i <= std::min(4, call.count); ++i) call.assignLongint(i, 0);
 }
@@ -556,6 +557,7 @@ constexpr CommandRow kRows[] = {
     {439, NoScreen},
     {440, NoScreen},
     {441, NoScreen},
+    {443, ScreenCoordinates},
     {483, CurrentMachine},
     {484, CurrentSystemUser},
     {485, Get4DFolder},

@@ -57,6 +57,8 @@ struct Options {
     std::function<void(int id, std::string_view name)> notServed;  // a command that is not served: once a number
     std::function<bool()> interrupted;                             // true: long-running commands end at their next step
     std::function<void(std::u16string_view line)> log;             // LOG EVENT
+    // A shared object beside this library is missing: once an object, with the Debian package that it needs.
+    std::function<void(std::string_view object, std::string_view package)> missingObject;
 };
 
 struct CommandInfo {

@@ -229,7 +229,7 @@ void EndProcesses(Host::Inside& inside) {
 // The process ------------------------------------------------------------------------------------------------------
 
 bool Process::ok() const { return variables.value(u"OK").number() != 0; }
-void Process::setOK(bool ok) { variables.setValue(u"OK", Value::Longint(ok)); }
+void Process::setOK(bool ok) { variables.setLongint(u"OK", ok); }
 std::u16string Process::document() const { return variables.value(u"Document").text(); }
 void Process::setDocument(std::u16string_view path) { variables.setValue(u"Document", Value(path)); }
 

@@ -7,6 +7,8 @@
 #include <mutex>
 #include <string_view>
 
+#include "host/Host.h"
+
 namespace zrhost {
 
 namespace {
@@ -38,13 +40,19 @@ const UnicodeTable* Open() {
 }  // namespace
 
 const UnicodeTable* Unicode() {
-    if (!gTried.load(std::memory_order_acquire)) {
+    if (gTried.load(std::memory_order_acquire)) return gTable.load(std::memory_order_relaxed);
+    bool missing = false;
+    {
         std::lock_guard guard(gMutex);
         if (!gTried.load(std::memory_order_relaxed)) {
-            gTable.store(Open(), std::memory_order_relaxed);
+            const UnicodeTable* table = Open();
+            missing = !table;
+            gTable.store(table, std::memory_order_relaxed);
             gTried.store(true, std::memory_order_release);
         }
     }
+    Host* host = missing ? Host::active() : nullptr;
+    if (host && host->options().missingObject) host->options().missingObject("zr-unicode", "libicu72");
     return gTable.load(std::memory_order_relaxed);
 }
 

@@ -245,6 +245,12 @@ int64_t LastElement(const PA_Variable& array, int elementSize) {
 
 // Records ----------------------------------------------------------------------------------------------------------
 
+void ResetRecord(PA_Variable* record, int kind) {
+    record->fType = uint8_t(kind);
+    record->fFiller = 0;
+    std::memset(&record->uValue, 0, 24);  // the longest value, a text, has 20 bytes
+}
+
 void ClearRecord(PA_Variable* record) {
     int kind = UnifiedKind(*record);
     if (IsArrayKind(kind)) {
@@ -268,7 +274,7 @@ void ClearRecord(PA_Variable* record) {
             default: break;
         }
     }
-    *record = EmptyRecord();
+    ResetRecord(record);
 }
 
 bool CopyRecord(const PA_Variable& source, PA_Variable* target) {
@@ -333,7 +339,7 @@ bool CopyRecord(const PA_Variable& source, PA_Variable* target) {
 }
 
 bool MakeArray(PA_Variable* record, int arrayKind, int64_t size) {
-    *record = EmptyRecord();
+    ResetRecord(record);
     int elementSize = ZR_HostArrayElementSize(arrayKind);
     if (!elementSize || size < 0 || size >= kLargestHandle / elementSize) return false;
     PA_Handle handle = NewHandle((size + 1) * elementSize);
@@ -400,7 +406,7 @@ Value ReadRecord(const PA_Variable& record) {
 
 bool WriteRecord(PA_Variable* record, const Value& value) {
     int kind = value.kind();
-    *record = EmptyRecord();
+    ResetRecord(record);
     if (IsArrayKind(kind)) {
         int64_t size = int64_t(value.elements().size()) - 1;
         if (!MakeArray(record, kind, std::max<int64_t>(size, 0))) return false;
@@ -548,7 +554,7 @@ bool VariableTable::set(std::u16string_view name, const PA_Variable& value, bool
         byName_[FoldName(name)] = entry;
     }
     int kind = UnifiedKind(entry->value.record());
-    bool scalar = kind == eVK_Real || kind == eVK_Integer || kind == eVK_Longint || kind == eVK_Time;
+    bool scalar = kind == eVK_Real || kind == eVK_Longint || kind == eVK_Time;  // an integer of 16 bits would cut
     if (scalar && kind != UnifiedKind(copy.record()) && AssignRecord(&entry->value.record(), ReadRecord(copy.record())))
         return true;  // a number into a variable for numbers: the variable keeps its kind
     entry->value = std::move(copy);
@@ -559,6 +565,18 @@ bool VariableTable::setValue(std::u16string_view name, const Value& value, bool 
     Variable record;
     if (!WriteRecord(&record.record(), value)) return false;
     return set(name, record.record(), make);
+}
+
+void VariableTable::setLongint(std::u16string_view name, int32_t number) {
+    {
+        std::lock_guard guard(mutex_);
+        Entry* entry = find(name);
+        if (entry && entry->value.record().fType == eVK_Longint) {
+            entry->value.record().uValue.fLongint = number;
+            return;
+        }
+    }
+    setValue(name, Value::Longint(number));
 }
 
 bool VariableTable::element(std::u16string_view name, int64_t element, PA_Variable* out) const {

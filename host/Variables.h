@@ -20,6 +20,7 @@ int UnifiedKind(const PA_Variable& record);  // folded; eVK_Operator (0) only fo
 bool IsArrayKind(int kind);
 int ElementKind(int arrayKind);                                   // eVK_Undefined if it is no array kind
 int ArrayKindOf(int kind);                                        // the array kind whose elements are of this kind
+void ResetRecord(PA_Variable* record, int kind = eVK_Undefined);  // overwrites: the empty value, nothing is freed
 void ClearRecord(PA_Variable* record);                            // frees what it owns; becomes undefined
 bool CopyRecord(const PA_Variable& source, PA_Variable* target);  // target overwritten; false = no memory, undefined
 bool ResizeRecord(PA_Variable* array, int64_t size);  // false = no array, a negative or absurd size, no memory
@@ -60,9 +61,11 @@ class VariableTable {
     Value value(std::u16string_view name) const;
     int kind(std::u16string_view name) const;  // unified; eVK_Undefined if there is none
     int size(std::u16string_view name) const;  // elements of an array; -1
-    // A copy is stored. A variable that exists keeps its kind if it can take the value, else it takes the new kind.
+    // A copy is stored. A variable for numbers keeps its kind when a number is stored; else the kind of the value
+    // counts.
     bool set(std::u16string_view name, const PA_Variable& value, bool make);  // false = missing and not made
     bool setValue(std::u16string_view name, const Value& value, bool make = true);
+    void setLongint(std::u16string_view name, int32_t number);  // made if missing: the short way of OK
     bool element(std::u16string_view name, int64_t element, PA_Variable* out) const;
     bool setElement(std::u16string_view name, int64_t element, const Value& value);
     bool remove(std::u16string_view name);

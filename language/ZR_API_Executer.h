@@ -145,19 +145,11 @@ struct ZR_Executer {
     void DeleteExecutionContext(ZR_ExecutionContext* context);
     ZR_ExecutionContext* GetExecutionContextPtrByReference(long reference);  // borrowed; null = unknown here
     void GetContextList(PA_Variable* references, PA_Variable* threads);
-    void ProcessTags(ZR_ExecutionContext* context, ZR_Text* text);
 
     // Text to tokens. vstructure, runs and styles may be null; styles is read only with runs.
     void Tokenize(ZR_Text* source, ZR_Handle* blob, ZR_Handle* vstructure, ZR_Handle* runs, ZR_Handle* styles);
     void TokenizeToTokens(ZR_Text* source, ZR_Handle* tokens, ZR_Handle* vstructure, ZR_Handle* runs,
                           ZR_Handle* styles);  // appends to tokens, and ZR_Executer_CodeRun to runs
-
-    // Tokens to text. lines and styled: both or neither.
-    void Detokenize(ZR_Handle* blob, ZR_Text* out, ZR_Handle* vstructure);
-    void DetokenizeLines(ZR_Handle* tokens, ZR_Text* out, ZR_TextArray* lines, ZR_Text* styled, ZR_Handle* vstructure);
-    void DetokenizeStyles(ZR_Handle* blob, ZR_TextArray* lines, ZR_Text* styled, ZR_Text* out, ZR_Handle* vstructure);
-    void DetokenizeToArrays(ZR_Handle* tokens, PA_Variable* kinds, PA_Variable* numbers, PA_Variable* texts,
-                            PA_Variable* dates);
 };
 
 void ZR_GetCommandName(long id, ZR_Text* name, bool* threadSafe);  // replaces name; empty = unknown

@@ -610,7 +610,7 @@ void zrExe_Tokenize_Line(ZR_Text* line, ZR_Handle* tokens, ZR_Handle* vstructure
 // Whole texts -----------------------------------------------------------------------------------------------------
 
 static constexpr long kMostReserved =
-    1L << 20;  // tokens; one for three units is usual, and room not used costs nothing
+    1L << 20;  // tokens; one for three units is usual, and room not written to takes no memory of the machine
 
 static bool IsLineEnd(unsigned short unit) { return unit == '\r' || unit == '\n' || unit == 0x2028; }
 

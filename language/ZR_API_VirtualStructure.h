@@ -59,7 +59,7 @@ struct ZR_VStructureCache {
 };
 
 // Lookups: the first match from the first record; borrowed until the list grows; null = none. A null or empty list is
-// accepted, save by table caption, field caption and reference, which need a list.
+// accepted, and give null.
 ZR_Executer_VirtualStructure* ZR_EXE_GetVStructureByTableNo(ZR_Handle* list, long table);
 ZR_Executer_VirtualStructure* ZR_EXE_GetVStructureByFieldNo(ZR_Handle* list, long table, long field);
 ZR_Executer_VirtualStructure* ZR_EXE_GetVStructureByVariablename(ZR_Handle* list, ZR_Text* name);

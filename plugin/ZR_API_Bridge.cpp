@@ -25,6 +25,7 @@ void ZR_CopyName(PA_Unichar* target, const PA_Unichar* name) {
 }
 
 void ZR_FreeUnistring(PA_Unistring* string) {
+    if (string == nullptr) return;
     short kept = sErrorCode;
     if (string->fString != nullptr || string->fReserved != nullptr) PA_DisposeUnistring(string);
     memset(string, 0, sizeof *string);

@@ -1,4 +1,6 @@
 #include "plugin/ZR_API_Bridge.h"
+
+#include <algorithm>
 #include "plugin/ZR_API_Bridge_Private.h"
 
 // Runs a format call whose other fields are set and copies its text out.
@@ -40,7 +42,7 @@ void PA_FormatTime(long seconds, int format, PA_Unichar* buffer) {
 void PA_FormatString(const PA_Unichar* text, const PA_Unichar* format, PA_Unichar* buffer) {
     EngineBlock block;
     block.fParam1 = ZR_AddressOf(text);
-    block.fLength1 = PA_GetUnicharsLength(text);
+    block.fLength1 = std::min(PA_GetUnicharsLength(text), kNameUnits);  // cut as every name is
     ZR_CopyName(block.fName, format);
     CallFormat(ZR_SEL_FormatString, &block, buffer);
 }

@@ -76,7 +76,10 @@ ZR_AtomicHandle* ZR_PackHandle_Get() { return pack; }
 
 // Area list --------------------------------------------------------------------------------------------------------
 
-void ZR_Packhandle_Init() { packhandle_areas.Create(); }
+void ZR_Packhandle_Init() {
+    if (packhandle_areas.handle.data) packhandle_areas.Dispose();  // a second start without a stop
+    packhandle_areas.Create();
+}
 void ZR_Packhandle_DeInit() { packhandle_areas.Dispose(); }
 
 // Before ZR_Packhandle_Init the list has no element size, and an entry would be written into nothing.

@@ -31,6 +31,10 @@ void zrExe_CopyArray(ZR_CommandCall* call) {
     ZR_Executer_Variable* target = call->context->GetVariableFromToken(call->Parameter(2), /*create*/ true);
     ZR_Executer_Variable* source = call->Variable(1);
     if (!source || !target || source == target) return;
+    if (!ZR_MemoryAllows(source->elements.count * static_cast<long>(sizeof(ZR_Executer_Variable)))) {
+        call->context->Fail(kErrorMemory);
+        return;
+    }
     ZR_Executer_Variable copy;
     copy.Create(source, &target->name);
     target->Dispose();

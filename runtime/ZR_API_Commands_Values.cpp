@@ -73,7 +73,7 @@ void zrExe_SetBlobSize(ZR_CommandCall* call) {
     }
     long size = zrExe_Truncate(call->Number(2)), before = variable->blob.count;
     if (size < 0) return;
-    if (size <= ZR_MAX_VALUE_BYTES) variable->blob.Resize(size);
+    if (size <= ZR_MAX_VALUE_BYTES && (size <= before || ZR_MemoryAllows(size - before))) variable->blob.Resize(size);
     if (variable->blob.count != size) call->context->Fail(kErrorMemory);
     else if (size > before) memset(variable->blob.data + before, 0, static_cast<size_t>(size - before));
 }

@@ -353,7 +353,7 @@ unsigned long zrExe_Power(unsigned long base, unsigned long exponent) {
 static bool RepeatText(ZR_Text* target, ZR_Text* unit, double times) {
     long n = zrExe_Truncate(times);
     if (n < 1 || !unit->count) return true;
-    if (n > ZR_MAX_TEXT_UNITS / unit->count) return false;
+    if (n > ZR_MAX_TEXT_UNITS / unit->count || !ZR_MemoryAllows(n * unit->count * 2)) return false;
     target->growStep = n * unit->count + 1;
     for (long i = 0; i < n; ++i) target->AddText(unit);
     return true;
@@ -442,7 +442,7 @@ void ZR_ExecutionContext::ExecuteTokenizedBlockText(ZR_Text* text, ZR_Executer_T
         case ZREXE_TOKEN_OTHER:
             value->kind = ZREXE_TOKEN_STRING;
             if (formula != '+') break;
-            if (value->text.count > ZR_MAX_TEXT_UNITS - text->count) Fail(kErrorMemory);
+            if (!zrExe_TextsFit(value->text.count, text->count)) Fail(kErrorMemory);
             else value->text.AddText(text);
             break;
         default: break;

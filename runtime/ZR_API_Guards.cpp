@@ -2,8 +2,12 @@
 
 #include <pthread.h>
 #include <time.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <cstddef>
+
+#include "core/ZR_API_Handle.h"
 
 static char* LowestStackAddress() {
     pthread_attr_t attributes;
@@ -18,6 +22,21 @@ static char* LowestStackAddress() {
 long ZR_NativeStackLeft() {
     static thread_local char* lowest = LowestStackAddress();
     return static_cast<char*>(__builtin_frame_address(0)) - lowest;
+}
+
+static std::atomic<long> sMemoryLimit = 0;
+
+static long DefaultMemoryLimit() {
+    static const long limit = sysconf(_SC_PHYS_PAGES) / 4 * 3 * sysconf(_SC_PAGESIZE);
+    return limit;
+}
+
+void ZR_SetMemoryLimit(long bytes) { sMemoryLimit = bytes; }
+
+bool ZR_MemoryAllows(long moreBytes) {
+    long limit = sMemoryLimit.load(std::memory_order_relaxed);
+    if (limit < 1) limit = DefaultMemoryLimit();
+    return moreBytes <= limit && ZR_MEMORY_BYTES.load(std::memory_order_relaxed) <= limit - moreBytes;
 }
 
 double ZR_MonotonicSeconds() {

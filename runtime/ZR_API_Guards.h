@@ -7,6 +7,12 @@ inline constexpr long ZR_STACK_RESERVE = 320 * 1024;  // bytes of native stack l
 inline constexpr long ZR_MAX_VALUE_BYTES = 4L << 30;  // storage of one text, BLOB or array
 inline constexpr long ZR_MAX_TEXT_UNITS = 1L << 30;
 
+// Storage of all handles of the process together. Whoever makes a value larger than ZR_SMALL_BYTES asks first. The
+// limit is three quarters of the machine's memory unless it is set.
+void ZR_SetMemoryLimit(long bytes);    // below 1 = the default
+bool ZR_MemoryAllows(long moreBytes);  // any thread
+inline constexpr long ZR_SMALL_BYTES = 1 << 20;
+
 long ZR_NativeStackLeft();     // bytes between here and the end of this thread's stack
 double ZR_MonotonicSeconds();  // for deadlines
 

@@ -131,7 +131,7 @@ static bool FoldText(QuickValue* value, const ZR_Text* text, unsigned short form
             return true;
         case ZREXE_TOKEN_STRING:
             if (formula != '+') return true;
-            if (value->text->count > ZR_MAX_TEXT_UNITS - text->count) return false;
+            if (!zrExe_TextsFit(value->text->count, text->count)) return false;
             Own(value);
             value->storage.AddText(text);
             return true;
@@ -636,7 +636,8 @@ static bool AppendInPlace(Run* run, ZR_Executer_Variable* target) {
             ZR_Executer_Variable* variable = Find(run, items[i].token, &items[i].hint);
             if (variable && variable->kind == ZR_EXE_Text) part = &variable->text;
         }
-        if (!part || count == 32 || (total += part->count) > ZR_MAX_TEXT_UNITS) return false;
+        if (!part || count == 32 || !zrExe_TextsFit(total, part->count)) return false;
+        total += part->count;
         parts[count++] = part;
     }
     for (int i = 0; i < count; ++i) target->text.AddText(parts[i]);
@@ -819,6 +820,7 @@ bool zrExe_RunPrepared(ZR_ExecutionContext* context, ZR_Executer_Stack* frame, Z
         Clear(&temps[done]);
         outcome = RunStep(&run, steps + done, &temps[done]);
         if (outcome == kDone) ++done;
+        else DisposeValue(&temps[done]);  // what a bracket had got to
     }
     if (outcome == kDone) outcome = RunStatement(&run, state, result);
     if (outcome == kHandOver) {

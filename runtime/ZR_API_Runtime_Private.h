@@ -7,6 +7,7 @@
 #include "language/ZR_API_TokenList.h"
 #include "plugin/ZR_API_Bridge.h"
 #include "runtime/ZR_API_Context.h"
+#include "runtime/ZR_API_Guards.h"
 
 static inline ZR_Executer_Token* zrExe_TokenAt(ZR_Handle* tokens, long position) {  // null outside [1..count]
     return reinterpret_cast<ZR_Executer_Token*>(tokens->GetMemPtr(position));
@@ -35,6 +36,11 @@ static inline void zrExe_MoveToken(ZR_Handle* tokens, long position, ZR_Executer
     if (!gap) return;
     memcpy(gap, static_cast<void*>(source), sizeof(ZR_Executer_Token));
     zrExe_CreateEmptyToken(source);
+}
+
+// Whether two texts may become one, in units.
+static inline bool zrExe_TextsFit(long left, long right) {
+    return left <= ZR_MAX_TEXT_UNITS - right && (left + right < ZR_SMALL_BYTES || ZR_MemoryAllows(right * 2));
 }
 
 static inline void zrExe_ReleaseObject(void* object) {

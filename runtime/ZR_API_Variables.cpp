@@ -214,14 +214,18 @@ ZR_EXE_VariableKind ZR_Executer_Variable::GetVariableTypeFromArrayType() {
     return ZR_EXE_Undefined;
 }
 
-// Guard: an array takes no more than ZR_MAX_VALUE_BYTES.
-static bool Fits(long count) { return count <= ZR_MAX_VALUE_BYTES / static_cast<long>(sizeof(ZR_Executer_Variable)); }
+// Guard: an array takes no more than ZR_MAX_VALUE_BYTES, and no more than the process has left.
+static bool Fits(long before, long count) {
+    static const long kSize = sizeof(ZR_Executer_Variable);
+    return count <= ZR_MAX_VALUE_BYTES / kSize &&
+           (count <= before || count * kSize < ZR_SMALL_BYTES || ZR_MemoryAllows((count - before) * kSize));
+}
 
 bool ZR_Executer_Variable::ResizeArray(long n) {
     if (!IsArray()) return true;
     if (n < 0) n = 0;
-    if (!Fits(n)) return false;
     long before = elements.count;
+    if (!Fits(before, n)) return false;
     if (n < before) DisposeElements(&elements, n + 1);
     elements.Resize(n);
     if (elements.count != n) return false;
@@ -233,7 +237,7 @@ bool ZR_Executer_Variable::ResizeArray(long n) {
 
 bool ZR_Executer_Variable::InsertArrayElements(long position, long n) {
     if (!IsArray() || position < 1 || position > elements.count || n < 1) return true;
-    if (n > ZR_MAX_VALUE_BYTES || !Fits(elements.count + n)) return false;
+    if (n > ZR_MAX_VALUE_BYTES || !Fits(elements.count, elements.count + n)) return false;
     ZR_Executer_Variable* gap = reinterpret_cast<ZR_Executer_Variable*>(elements.InsertElement(position - 1, n));
     if (!gap) return false;
     ZR_EXE_VariableKind element = GetVariableTypeFromArrayType();

@@ -24,6 +24,7 @@ static Target FindTarget(ZR_Executer* executer, PluginBlock* block, ZR_Handle* l
 }
 
 static void Return32(PluginBlock* block, long value) {
+    if (!block || !block->result) return;
     int number = static_cast<int>(value);
     memcpy(block->result, &number, sizeof number);
 }
@@ -105,7 +106,9 @@ void zrExe_ActivateVStructure(ZR_Executer* executer, PluginBlock* block) {
     if (context) context->useVirtualStructure = PA_GetLongParameter(block, 2) == 1;
 }
 
-static void ReturnHandle(PluginBlock* block, PA_Handle handle) { memcpy(block->result, &handle, sizeof handle); }
+static void ReturnHandle(PluginBlock* block, PA_Handle handle) {
+    if (block && block->result) memcpy(block->result, &handle, sizeof handle);
+}
 
 void zrExe_VStructureToBlob(ZR_Executer* executer, PluginBlock* block) {
     ZR_ExecutionContext* context = ContextOfParameter(executer, block);

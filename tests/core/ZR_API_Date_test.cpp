@@ -15,7 +15,7 @@ std::ostream& operator<<(std::ostream& out, const ZR_Date& date) {
 
 namespace {
 
-// Single steps, as day stepping is laid down.
+// Day stepping one day at a time.
 void StepOnce(ZR_Date* date, bool forward) {
     if (date->month < 1 || date->month > 12) return;
     if (forward) {

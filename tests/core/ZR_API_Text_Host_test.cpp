@@ -228,3 +228,17 @@ TEST_F(TextHost, NoHost_EveryMember_IsNeutral) {
     text.Dispose();
     gCall4D = fake::Call4D;
 }
+
+TEST(Text, GetUnistring_ZeroUnitInside_ReachesTheHostWhole) {
+    fake::Test host;
+    unsigned short units[] = {'a', 0, 'b'};
+    ZR_Text text, back;
+    text.Create();
+    text.AddUniBuffer(units, 3);
+    PA_Variable variable = text.CreateVariable();
+    back.CreateFrom4DVariable(&variable);
+    EXPECT_TRUE(back.Equal(&text));
+    PA_ClearVariable(&variable);
+    back.Dispose();
+    text.Dispose();
+}

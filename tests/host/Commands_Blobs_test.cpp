@@ -155,6 +155,27 @@ TEST_F(Blobs, Variables_EveryKind_RoundTrip) {
     }
 }
 
+TEST_F(Blobs, Variables_SavedAndLoaded_ComeBackInOrder) {
+    Run(75, {"vars", 1.5, "two", Longints({3, 4})});
+    EXPECT_TRUE(OK());
+    EXPECT_EQ(ToUtf8(host->document()), Path("vars"));
+    Run(74, {"vars", 0, "", Arg()});
+    EXPECT_TRUE(OK());
+    EXPECT_EQ(ShowAfter(2), "1.5");
+    EXPECT_EQ(ShowAfter(3), "\"two\"");
+    EXPECT_EQ(ShowAfter(4), "[3, 4]");
+    Run(74, {"vars", "no number", ""});
+    EXPECT_FALSE(OK());
+    Run(74, {"vars", 0, "", Arg(), Arg()});
+    EXPECT_FALSE(OK()) << "more than were saved";
+    for (const Args& wrong : {Args{}, Args{"missing", 0}, Args{"", 0}}) {
+        Run(74, wrong);
+        EXPECT_FALSE(OK());
+    }
+    Run(75, {"", 1});
+    EXPECT_FALSE(OK());
+}
+
 TEST_F(Blobs, Variables_Appended_AreReadOneAfterTheOther) {
     Run(532, {1.5, Arg()});
     Run(532, {"two", After(2), Star()});

@@ -331,6 +331,7 @@ TEST_F(Documents, BlobAndText_WholeDocuments_RoundTrip) {
                                          "a\0",
                                          4));
     EXPECT_EQ(Text(1236, {"u.txt", "UTF-16LE"}), "\"a\"");
+    EXPECT_EQ(Text(1236, {"u.txt"}), "\"a\"") << "told by the byte order mark";
     Run(1237, {"w.txt", "a", "UTF-16"});
     EXPECT_EQ(Text(1236, {"w.txt", "UTF-16"}), "\"a\"");
     EXPECT_EQ(Read("w.txt").size(), 4u);

@@ -96,8 +96,11 @@ TEST_F(System, Application_Types_AreNumbers) {
     EXPECT_ROWS(rows);
     for (int id : {543, 544, 545, 546, 547, 562, 563, 713}) EXPECT_EQ(Text(id), "false") << id;
     for (int id : {187, 188, 437, 439, 440, 441}) EXPECT_EQ(Text(id), "0") << id;
-    Run(438, {L(9), L(9), L(9), L(9)});
-    EXPECT_EQ(ShowAfter(4), "0");
+    for (int id : {438, 443}) {
+        Run(id, {L(9), L(9), L(9), L(9)});
+        EXPECT_EQ(ShowAfter(1), "0");
+        EXPECT_EQ(ShowAfter(4), "0");
+    }
     Run(789, {Texts({"old"})});
     EXPECT_EQ(ShowAfter(1), "[]");
     Run(847, {Longints({1}), Texts({"old"})});

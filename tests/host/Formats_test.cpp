@@ -338,6 +338,11 @@ TEST_F(HostFormats, Time_Formats_ByNumber) {
     };
     for (const auto& row : rows) EXPECT_EQ(ToUtf8(FormatTime(row.seconds, row.format)), row.text) << row.format;
     EXPECT_EQ(ToUtf8(FormatTime(3723, 3, FindLocale("de-DE"))), "1 Stunde 2 Minuten 3 Sekunden");
+    EngineBlock block = Block();
+    block.fParam1 = 3723;
+    block.fParam4 = 1;
+    EXPECT_EQ(Call(ZR_SEL_FormatTime, &block), 0);
+    EXPECT_EQ(TextOf(block), "01:02:03");
     EXPECT_FALSE(FormatTime(INT64_MIN, 1).empty());
     EXPECT_FALSE(FormatTime(INT64_MAX, 3).empty());
 }

@@ -164,6 +164,24 @@ TEST_F(HostText, Compare_WithoutTheObject_AnswersForLatin) {
     EXPECT_NE(Unicode(), nullptr);
 }
 
+TEST(HostTextObject, Missing_IsNamedOnce) {
+    std::vector<std::string> missing;
+    Options options;
+    options.unicodeLibrary = "/nonexistent/object.so";
+    options.missingObject = [&](std::string_view object, std::string_view package) {
+        missing.push_back(std::string(object) + " " + std::string(package));
+    };
+    auto host = Host::Start(options);
+    CompareText(u"plain", u"PLAIN", false, false);
+    EXPECT_TRUE(missing.empty()) << "not needed yet";
+    CompareText(u"\u03b1", u"\u03b2", false, false);
+    Upper(u"\u03b1", true);
+    EXPECT_EQ(missing, (std::vector<std::string>{"zr-unicode libicu72"}));
+    host.reset();
+    host = Host::Start({});  // found again
+    EXPECT_EQ(CompareText(u"\u03b1", u"\u0391", false, false), 0);
+}
+
 TEST(HostTextLocale, Compare_Swedish_KeepsItsLetters) {
     Options options;
     options.locale = "sv-SE";

@@ -209,6 +209,11 @@ TEST_F(HostVariables, Process_GetAndSet_MakeOnDemand) {
     EXPECT_EQ(get(u"vTotal").number(), 7.0);
     EXPECT_EQ(set(u"vTotal", Value(u"now text"), false), 0);
     EXPECT_EQ(get(u"vTotal").text(), u"now text");
+    Variable small = RecordOf(Value::Longint(5));
+    small.record().fType = eVK_Integer;
+    host->currentProcess().variables.set(u"vSmall", small.record(), true);
+    EXPECT_EQ(set(u"vSmall", Value::Longint(70000), false), 0);
+    EXPECT_EQ(get(u"vSmall").number(), 70000) << "an integer of 16 bits gives way";
     EXPECT_EQ(set(u"", Value(1.0), true), ZR_ERR_PARAMETER);
     EXPECT_TRUE(get(u"<>vTotal", ZR_SEL_GetInterprocessVariable).isUndefined());
 }

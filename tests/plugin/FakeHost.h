@@ -1,5 +1,5 @@
 // A host for tests of the bridge: it records every request as it came in, keeps handles and strings for real, counting
-// what lives, and answers everything else by what a test has laid down for the selector.
+// what lives, and answers everything else by what a test has prepared for the selector.
 //
 //     FakeHost host;
 //     host.answer[ZR_SEL_RecordNumber] = [](EngineBlock* block) { block->fParam2 = 7; };
