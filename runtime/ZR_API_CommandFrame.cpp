@@ -31,10 +31,22 @@ bool zrExe_GetDoExecuteParameters(long id, long index, ZR_Handle* parameterToken
     return true;
 }
 
-// Required by those who keep the list beyond the line: copies own their texts.
+// A copy that owns its contents: a value of an inner bracket lives in the list that is emptied behind it.
 static void AppendCopy(ZR_Handle* list, ZR_Executer_Token* source) {
     ZR_Executer_Token* copy = reinterpret_cast<ZR_Executer_Token*>(list->AppendGetPtr());
-    if (copy) copy->Create(source, /*shallow*/ false);
+    if (!copy) return;
+    copy->Create(source, /*shallow*/ false);
+    if (!copy->parent) return;
+    copy->parent = nullptr;
+    copy->text.Copy(source->GetText());
+    if (source->GetBlob()->data) {
+        copy->blob.Dispose();
+        copy->blob.Create(source->GetBlob());
+    }
+    if (source->kind == ZREXE_TOKEN_PICTURE) {
+        copy->picture.Dispose();
+        copy->picture.Create(source->GetPicture());
+    }
 }
 
 static void AppendCopies(ZR_Handle* list, ZR_Handle* tokens, long last) {
