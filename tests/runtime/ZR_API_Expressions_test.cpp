@@ -450,34 +450,33 @@ TEST(Comparison, InABlock_SplitsItInTwo) {
         {"1=1 & 2=2", "-1@1 Comparison with more than two values is not allowed"},
         {"(1=1) & (2=2)", "boolean true"},
         {"(1=1)=(2=2)", "boolean true"},
-        {"=1", "-26@1 Empty comparison (left)Comparison not possible!"},
+        {"=1", "-23@1 Empty comparison (left)"},
         {"1=", "-25@1 Empty comparison (right)Wrong type in comparison"},  // the kinds are compared all the same
-        {"=", "-26@1 Empty comparison (left)Comparison not possible!"},
+        {"=", "-23@1 Empty comparison (left)"},
         {"1=\"1\"", "-25@1 Wrong type in comparison"},
         {"\"1\"=1", "-25@1 Wrong type in comparison"},
         {"?00:00:01?=1", "-25@1 Wrong type in comparison"},
         {"!2000-01-01!=1", "-25@1 Wrong type in comparison"},
         {"\"abc\">\"a\"", "-26@1 Comparison not possible!"},
         {"True>False", "-26@1 Comparison not possible!"},
-        {"()=()", "-26@1 Empty comparison (left)Comparison not possible!"},
+        {"()=()", "-23@1 Empty comparison (left)"},
         {"//c", "-5@1 Undefined assignment variable type"},
     });
 }
 
 TEST(Comparison, WithALogicOperator_TakesThePartsAsTheyStand) {
     // $b & $x=1 has one comparison, and its left side is $b & $x.
-    EXPECT_EQ(RunForError("$b:=True\n$x:=1\n$r:=$b & $x=1"),
-              "-25@3 Syntax error: Invalid typeWrong type in comparison");
+    EXPECT_EQ(RunForError("$b:=True\n$x:=1\n$r:=$b & $x=1"), "-10@3 Syntax error: Invalid type");
     EXPECT_EQ(RunFor("$b:=True\n$c:=False\n$r:=$b & $c=False"), "boolean true");
 }
 
-TEST(Comparison, FailedSide_IsNotTestedBeforeTheKinds) {
+TEST(Comparison, FailedRightSide_IsNotTestedBeforeTheKinds) {
     Outcome outcome = RunText("$r:=1=$missing");
     EXPECT_EQ(outcome.number, -25);
     EXPECT_EQ(outcome.text, "Unknown Variable \"$missing\"Wrong type in comparison");
-    // Of a failed left side the right one is not looked at, and two empty results are compared.
-    EXPECT_EQ(RunForError("$r:=$missing=$other"), "-26@1 Unknown Variable \"$missing\"Comparison not possible!");
-    EXPECT_EQ(RunForError("$r:=1+$missing=1"), "-25@1 Unknown Variable \"$missing\"Wrong type in comparison");
+    // A failed left side ends it.
+    EXPECT_EQ(RunForError("$r:=$missing=$other"), "-14@1 Unknown Variable \"$missing\"");
+    EXPECT_EQ(RunForError("$r:=1+$missing=1"), "-14@1 Unknown Variable \"$missing\"");
 }
 
 // The pass from left to right --------------------------------------------------------------------------------------

@@ -76,8 +76,7 @@ TEST(If, Errors_ExactWords) {
         {"a number behind", "If (True)+1\n$r:=1\nEnd If", "-10@1 Syntax error: Invalid type", "$r", "missing"},
         {"a text without bracket", "If \"x\"\n$r:=1\nEnd If", "-13@1 Command \"\" wrong count of parameters", "$r",
          "missing"},
-        {"missing variable on the left", "If ($x=1)\nEnd If", "-26@1 Unknown Variable \"$x\"Comparison not possible!",
-         nullptr, nullptr},
+        {"missing variable on the left", "If ($x=1)\nEnd If", "-14@1 Unknown Variable \"$x\"", nullptr, nullptr},
         {"missing variable on the right", "If (1=$x)\nEnd If", "-25@1 Unknown Variable \"$x\"Wrong type in comparison",
          nullptr, nullptr},
     };
