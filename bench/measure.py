@@ -1,6 +1,7 @@
 """What the scripts here share: timing of whole processes, medians, tables, the machine."""
 import datetime
 import os
+import platform
 import statistics
 import subprocess
 import sys

@@ -197,8 +197,9 @@ void PA_SetDoubleParameter(PluginBlock* block, short index, double value);
 void PA_SetDateParameter(PluginBlock* block, short index, short day, short month, short year);
 void PA_SetBlobParameter(PluginBlock* block, short index, const void* bytes, long size);  // copied; old one freed
 void PA_SetPictureParameter(PluginBlock* block, short index, PA_Picture picture);         // handed over; old one freed
-// Copies kind, filler and what the kind uses of the value; for kinds without a rule, objects among them, kind and
-// filler only. The value is handed over. clearOld frees what the parameter held.
+// Copies kind, filler and what the kind uses of the value, which is handed over. Required: for kinds without a rule,
+// objects and collections among them, kind and filler only; the value's old bytes stay, and the reference the caller's.
+// clearOld frees what the parameter held.
 void PA_SetVariableParameter(PluginBlock* block, short index, PA_Variable* variable, bool clearOld);
 
 void PA_ReturnLong(PluginBlock* block, long value);      // 8 bytes

@@ -103,9 +103,7 @@ void PA_SetVariableParameter(PluginBlock* block, short index, PA_Variable* varia
     PA_Variable* parameter = (PA_Variable*)ParameterAt(block, index);
     if (parameter == nullptr || variable == nullptr) return;
     if (clearOld) PA_ClearVariable(parameter);
-    bool reference = variable->fType == eVK_Object || variable->fType == eVK_Collection;
     memmove(parameter, variable, offsetof(PA_Variable, uValue) + ValueBytes(variable));
-    if (reference) parameter->uValue.fObject = nullptr;  // guard: the old value's bytes are no reference
 }
 
 void PA_ReturnLong(PluginBlock* block, long value) { SetResult<int64_t>(block, value); }

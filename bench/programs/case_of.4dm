@@ -1,6 +1,6 @@
 // A choice among six branches inside a loop.
 C_REAL($hits;$rest;$k)
-For ($i;1;400000)
+For ($i;1;1500000)
 	$k:=$i%8
 	Case of
 		: ($k=0)

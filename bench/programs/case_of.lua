@@ -1,5 +1,5 @@
 local hits, rest = 0, 0
-for i = 1, 400000 do
+for i = 1, 1500000 do
   local k = i % 8
   if k == 0 then
     hits = hits + 1

@@ -1,6 +1,6 @@
 <?php
 $hits = $rest = 0;
-for ($i = 1; $i <= 400000; $i++) {
+for ($i = 1; $i <= 1500000; $i++) {
     $k = $i % 8;
     if ($k == 0) {
         $hits = $hits + 1;

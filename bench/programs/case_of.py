@@ -1,6 +1,6 @@
 def main():
     hits = rest = 0
-    for i in range(1, 400001):
+    for i in range(1, 1500001):
         k = i % 8
         if k == 0:
             hits = hits + 1

@@ -1,7 +1,7 @@
-// Counts a character of a text of half a million.
+// Counts a character of a text of a million and a half.
 C_TEXT($text)
 C_REAL($count)
-$text:="the quick brown fox jumps over the lazy dog. "*11000
+$text:="the quick brown fox jumps over the lazy dog. "*33000
 For ($i;1;Length($text))
 	If ($text[[$i]]="o")
 		$count:=$count+1

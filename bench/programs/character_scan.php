@@ -1,5 +1,5 @@
 <?php
-$text = str_repeat("the quick brown fox jumps over the lazy dog. ", 11000);
+$text = str_repeat("the quick brown fox jumps over the lazy dog. ", 33000);
 $count = 0;
 $length = strlen($text);
 for ($i = 0; $i < $length; $i++) {

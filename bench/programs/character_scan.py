@@ -1,5 +1,5 @@
 def main():
-    text = "the quick brown fox jumps over the lazy dog. " * 11000
+    text = "the quick brown fox jumps over the lazy dog. " * 33000
     count = 0
     for i in range(len(text)):
         if text[i] == "o":

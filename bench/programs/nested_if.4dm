@@ -1,6 +1,6 @@
 // Three levels of If inside a loop.
 C_REAL($a;$b;$c)
-For ($i;1;600000)
+For ($i;1;2000000)
 	If (($i%2)=0)
 		If (($i%3)=0)
 			$a:=$a+1

@@ -1,5 +1,5 @@
 local a, b, c = 0, 0, 0
-for i = 1, 600000 do
+for i = 1, 2000000 do
   if i % 2 == 0 then
     if i % 3 == 0 then
       a = a + 1

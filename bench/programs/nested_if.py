@@ -1,6 +1,6 @@
 def main():
     a = b = c = 0.0
-    for i in range(1, 600001):
+    for i in range(1, 2000001):
         if i % 2 == 0:
             if i % 3 == 0:
                 a = a + 1

@@ -1,2 +1,2 @@
-// 57,313 calls of a method that calls itself.
-ALERT(String(fibonacci(22)))
+// 635,621 calls of a method that calls itself.
+ALERT(String(fibonacci(27)))

@@ -3,4 +3,4 @@ function fibonacci($n) {
     if ($n < 2) return $n;
     return fibonacci($n - 1) + fibonacci($n - 2);
 }
-echo fibonacci(22), "\n";
+echo fibonacci(27), "\n";

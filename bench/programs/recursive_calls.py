@@ -4,4 +4,4 @@ def fibonacci(n):
     return fibonacci(n - 1) + fibonacci(n - 2)
 
 
-print(fibonacci(22))
+print(fibonacci(27))

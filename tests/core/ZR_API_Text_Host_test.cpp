@@ -229,8 +229,7 @@ TEST_F(TextHost, NoHost_EveryMember_IsNeutral) {
     gCall4D = fake::Call4D;
 }
 
-TEST(Text, GetUnistring_ZeroUnitInside_ReachesTheHostWhole) {
-    fake::Test host;
+TEST_F(TextHost, GetUnistring_ZeroUnitInside_ReachesTheHostWhole) {
     unsigned short units[] = {'a', 0, 'b'};
     ZR_Text text, back;
     text.Create();

@@ -86,7 +86,7 @@ TEST_F(DateCommands, CurrentDateAndTime_AreThoseOfTheClock) {
     const int now = Run(178, {Star()}).integer();
     tm local{};
     localtime_r(&before, &local);
-    if (local.tm_hour < 23) EXPECT_EQ(today, (Date{local.tm_mday, local.tm_mon + 1, local.tm_year + 1900}));
+    if (local.tm_hour < 23) { EXPECT_EQ(today, (Date{local.tm_mday, local.tm_mon + 1, local.tm_year + 1900})); }
     EXPECT_GE(now, 0);
     EXPECT_LT(now, 86400);
     EXPECT_LE(std::abs(now - (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec)) % 86400, 5);
