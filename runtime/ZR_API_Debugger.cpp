@@ -35,8 +35,8 @@ static bool OpenDialog(ZR_ExecutionContext* context) {
     form.Create();
     form.AddString(kForm);
     const ZR_Rect& where = context->debuggerRect;
-    PA_Rect bounds = {static_cast<short>(where.left), static_cast<short>(where.top), static_cast<short>(where.right),
-                      static_cast<short>(where.bottom)};
+    PA_Rect bounds = {static_cast<short>(where.top), static_cast<short>(where.left), static_cast<short>(where.bottom),
+                      static_cast<short>(where.right)};
     context->debuggerDialog = PA_OpenDialog(nullptr, form.GetUniCharPtr(), context->debuggerTitle.GetUniCharPtr(), 1,
                                             bounds, /*centred*/ true);
     form.Dispose();

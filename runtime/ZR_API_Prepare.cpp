@@ -224,7 +224,8 @@ static void PrepareCall(Preparing* work, long open, long close) {
     Entry* call = At(work, open - 1);
     long id = call->token->kind == ZREXE_TOKEN_COMMAND ? call->token->value.integer : 0;
     bool declaration = zrExe_DeclaredKind(id) != ZR_EXE_Undefined;
-    if (id == 277 || id == 341 || id >= 30000) {
+    bool command = call->token->kind == ZREXE_TOKEN_COMMAND;
+    if (id == 277 || id == 341 || id >= 30000 || (command && id < 1)) {
         work->failed = true;
         return;
     }

@@ -66,7 +66,8 @@ static void BorrowUnit(QuickValue* value, unsigned short unit) {
 static void Own(QuickValue* value) {
     if (value->kind != ZREXE_TOKEN_STRING || value->owned) return;
     ZR_Text copy;
-    copy.Create(value->text);
+    copy.Create();  // the units alone: a variable may hold far more storage than text
+    copy.AddText(value->text);
     value->storage = copy;
     value->owned = true;
     value->text = &value->storage;
@@ -142,6 +143,7 @@ static bool FoldText(QuickValue* value, const ZR_Text* text, unsigned short form
 
 static void FoldBoolean(QuickValue* value, bool flag, long logic) {
     if (value->kind != ZREXE_TOKEN_OTHER && value->kind != ZREXE_TOKEN_BOOLEAN) return;
+    if (logic < 0 || logic > ZREXE_LOGIC_OR) return;
     bool before = value->kind == ZREXE_TOKEN_BOOLEAN && value->integer == 1;
     value->kind = ZREXE_TOKEN_BOOLEAN;
     value->integer = logic == 0 ? flag : logic == ZREXE_LOGIC_AND ? before && flag : before || flag;

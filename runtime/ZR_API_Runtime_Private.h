@@ -17,6 +17,11 @@ static inline bool zrExe_IsVariableToken(long kind) {
     return kind == ZREXE_TOKEN_VARIABLE || kind == ZREXE_TOKEN_LOCAL || kind == ZREXE_TOKEN_INTERPROCESS;
 }
 
+// The errors of the guards end a run as they are: nothing is said behind them.
+static inline bool zrExe_IsGuardError(long error) {
+    return error == kErrorTooDeep.number || error == kErrorTimeLimit.number || error == kErrorMemory.number;
+}
+
 static inline bool zrExe_IsNumberToken(long kind) { return kind == ZREXE_TOKEN_NUMBER || kind == ZREXE_TOKEN_LONGINT; }
 
 // Toward zero; what is beyond 64 bits, infinite or no number gives the lowest one, as the processor's own conversion.

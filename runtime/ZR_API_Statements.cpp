@@ -118,7 +118,7 @@ void ZR_ExecutionContext::HandleCaseOf(ZR_ExecutionMethod* method, ZR_Executer_S
         bool boolean = value.kind == ZREXE_TOKEN_BOOLEAN;
         bool truth = value.GetBoolean();
         value.Dispose();
-        if (!boolean) {
+        if (!boolean && !zrExe_IsGuardError(lastError)) {
             SetError(kErrorCaseCondition.number, kErrorCaseCondition.before);
             SetError(kErrorCaseCondition.number, from);
         }
