@@ -77,7 +77,7 @@ TEST(Output, LinesBeforeASignal_AreWritten) {
     TempFolder folder;
     const std::string file = folder.Write("a.4dm", "ALERT(\"first\")\nWhile (True)\nEnd while\n");
     const std::string out = folder.Path("out");
-    EXPECT_EQ(StatusOfShell("timeout -s TERM 1 " + zrtest::ToolPath() + " run " + file + " >" + out), 124);
+    EXPECT_EQ(StatusOfShell("timeout -s TERM 3 " + zrtest::ToolPath() + " run " + file + " >" + out), 124);
     EXPECT_EQ(ReadFile(out), "first\n");
 }
 
