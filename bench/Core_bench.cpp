@@ -72,3 +72,4 @@ BENCHMARK_CAPTURE(Text_Compare, accents_same, "Die schöne Müllerin", "Die sch�
 BENCHMARK_CAPTURE(Text_Compare, accents_equal, "Die schöne Müllerin", "Die schone MULLERIN", true);
 BENCHMARK_CAPTURE(Text_Compare, accents_unequal, "Die schöne Müllerin", "Die schöne Müllerei", false);
 BENCHMARK_CAPTURE(Text_Compare, accents_wildcard, "Die schöne Müllerin", "Die @ MULLERIN", true);
+BENCHMARK_CAPTURE(Text_Compare, greek_equal, "Αθήνα, Πειραιάς", "ΑΘΗΝΑ, Πειραιας", true);
