@@ -15,7 +15,8 @@ install(TARGETS zr_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 foreach(folder plugin core language runtime graphics print desktop platform host)
   if(IS_DIRECTORY ${CMAKE_SOURCE_DIR}/${folder})
     install(DIRECTORY ${folder} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zr
-            FILES_MATCHING PATTERN "*.h" PATTERN "*_Private.h" EXCLUDE PATTERN "data" EXCLUDE PATTERN "unicode" EXCLUDE)
+            FILES_MATCHING PATTERN "*.h" PATTERN "*_Private.h" EXCLUDE PATTERN "data" EXCLUDE PATTERN "unicode" EXCLUDE
+            PATTERN "*_object" EXCLUDE)
   endif()
 endforeach()
 install(FILES zr.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zr)

@@ -35,11 +35,13 @@ void ZR_ExecutionContext::ExecuteTokenizedBlock(ZR_Executer_Token* value, ZR_Han
     zrExe_CreateEmptyToken(&left);
     zrExe_CreateEmptyToken(&right);
     EvaluateSide(this, tokens, 1, split - 1, kErrorEmptyLeft, &left);
-    if (!lastError) EvaluateSide(this, tokens, split + 1, tokens->count, kErrorEmptyRight, &right);
-    // Required: the kinds are compared even if a side failed. The words of a failed right side are followed by those of
-    // -25, those of a failed left side, where both results are empty, by those of -26.
-    if (left.kind != right.kind) Fail(kErrorComparisonType);
-    else value->SetBoolean(ExecuteTokenizedComparison(&left, &right, zrExe_TokenAt(tokens, split)->GetComparison()));
+    if (!lastError) {
+        EvaluateSide(this, tokens, split + 1, tokens->count, kErrorEmptyRight, &right);
+        // Required: the kinds are compared even if the right side failed, so its words are followed by those of -25.
+        if (left.kind != right.kind) Fail(kErrorComparisonType);
+        else
+            value->SetBoolean(ExecuteTokenizedComparison(&left, &right, zrExe_TokenAt(tokens, split)->GetComparison()));
+    }
     left.Dispose();
     right.Dispose();
 }

@@ -49,12 +49,15 @@ CFHashCode CFHash(CFTypeRef object) { return object ? Object(object)->hash() : 0
 
 struct __CFData : CFObject {
     __CFData(const UInt8* from, CFIndex n) : bytes(from, from + n) {}
+    explicit __CFData(CFIndex most) : changes(true), limit(most) {}
     CFTypeID typeID() const override { return kCFTypeData; }
     bool equals(const CFObject& other) const override { return bytes == static_cast<const __CFData&>(other).bytes; }
     CFHashCode hash() const override {
         return std::hash<std::string_view>()({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     }
-    const std::vector<UInt8> bytes;
+    std::vector<UInt8> bytes;
+    const bool changes = false;
+    const CFIndex limit = 0;  // most bytes, 0 = any
 };
 
 CFTypeID CFDataGetTypeID() { return kCFTypeData; }
@@ -64,7 +67,10 @@ CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex n) {
     return CFGuarded([&] { return new __CFData(bytes, n); });
 }
 
-CFDataRef CFDataCreateCopy(CFAllocatorRef, CFDataRef data) { return static_cast<CFDataRef>(CFRetain(data)); }
+CFDataRef CFDataCreateCopy(CFAllocatorRef allocator, CFDataRef data) {
+    if (data && data->changes) return CFDataCreate(allocator, CFDataGetBytePtr(data), CFDataGetLength(data));
+    return static_cast<CFDataRef>(CFRetain(data));
+}
 
 CFIndex CFDataGetLength(CFDataRef data) { return data ? static_cast<CFIndex>(data->bytes.size()) : 0; }
 
@@ -75,6 +81,29 @@ void CFDataGetBytes(CFDataRef data, CFRange range, UInt8* out) {
     if (!out || range.location < 0 || range.location > length) return;
     CFIndex n = std::clamp<CFIndex>(range.length, 0, length - range.location);
     if (n > 0) memcpy(out, data->bytes.data() + range.location, static_cast<size_t>(n));
+}
+
+CFMutableDataRef CFDataCreateMutable(CFAllocatorRef, CFIndex most) {
+    if (most < 0) return nullptr;
+    return CFGuarded([&] { return new __CFData(most); });
+}
+
+UInt8* CFDataGetMutableBytePtr(CFMutableDataRef data) { return data && data->changes ? data->bytes.data() : nullptr; }
+
+void CFDataSetLength(CFMutableDataRef data, CFIndex n) {
+    if (!data || !data->changes || n < 0 || (data->limit && n > data->limit)) return;
+    CFGuarded([&]() -> void* {
+        data->bytes.resize(static_cast<size_t>(n));
+        return nullptr;
+    });
+}
+
+void CFDataAppendBytes(CFMutableDataRef data, const UInt8* bytes, CFIndex n) {
+    if (!data || !data->changes || !bytes || n < 1 || (data->limit && n > data->limit - CFDataGetLength(data))) return;
+    CFGuarded([&]() -> void* {
+        data->bytes.insert(data->bytes.end(), bytes, bytes + n);
+        return nullptr;
+    });
 }
 
 // File URLs --------------------------------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 // Stand-ins for the CoreFoundation operations in use, with their documented names and meaning.
 // Objects are counted: Create and Copy hand a reference over, Get lends one; CFRelease gives one back, the last frees.
-// Objects do not change after their creation, except write streams, and may be shared between threads.
+// Objects do not change after their creation and may be shared between threads, except write streams and what is made
+// by a CreateMutable: those belong to one thread at a time.
 #ifndef ZR_PLATFORM_COREFOUNDATION_H
 #define ZR_PLATFORM_COREFOUNDATION_H
 
@@ -19,6 +20,13 @@ typedef const void* CFTypeRef;
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef const struct __CFString* CFStringRef;
 typedef const struct __CFData* CFDataRef;
+typedef struct __CFData* CFMutableDataRef;
+typedef const struct __CFArray* CFArrayRef;
+typedef struct __CFArray* CFMutableArrayRef;
+typedef const struct __CFDictionary* CFDictionaryRef;
+typedef struct __CFDictionary* CFMutableDictionaryRef;
+typedef const struct __CFNumber* CFNumberRef;
+typedef const struct __CFBoolean* CFBooleanRef;
 typedef const struct __CFURL* CFURLRef;
 typedef const struct __CFUUID* CFUUIDRef;
 typedef struct __CFWriteStream* CFWriteStreamRef;
@@ -95,6 +103,77 @@ CFDataRef CFDataCreateCopy(CFAllocatorRef, CFDataRef data);
 CFIndex CFDataGetLength(CFDataRef data);  // null = 0
 const UInt8* CFDataGetBytePtr(CFDataRef data);
 void CFDataGetBytes(CFDataRef data, CFRange range, UInt8* out);
+CFMutableDataRef CFDataCreateMutable(CFAllocatorRef, CFIndex most);  // empty; most bytes that it takes, 0 = any
+UInt8* CFDataGetMutableBytePtr(CFMutableDataRef data);  // borrowed until the next change; null = fixed data
+void CFDataAppendBytes(CFMutableDataRef data, const UInt8* bytes, CFIndex n);  // nothing if they do not fit
+void CFDataSetLength(CFMutableDataRef data, CFIndex n);                        // new bytes are 0
+
+// Collections. The callbacks say whether the elements are CF objects, retained and compared with CFEqual (the kCFType
+// ones), or bare pointers (null).
+struct CFArrayCallBacks {
+    bool objects;
+};
+struct CFDictionaryKeyCallBacks {
+    bool objects;
+};
+struct CFDictionaryValueCallBacks {
+    bool objects;
+};
+inline constexpr CFArrayCallBacks kCFTypeArrayCallBacks = {true};
+inline constexpr CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {true};
+inline constexpr CFDictionaryKeyCallBacks kCFCopyStringDictionaryKeyCallBacks = {true};
+inline constexpr CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {true};
+
+CFTypeID CFArrayGetTypeID();
+CFArrayRef CFArrayCreate(CFAllocatorRef, const void** values, CFIndex n, const CFArrayCallBacks* callbacks);
+CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef, CFIndex most, const CFArrayCallBacks* callbacks);
+CFIndex CFArrayGetCount(CFArrayRef array);                            // null = 0
+const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);  // [0..count); borrowed; null outside
+void CFArrayAppendValue(CFMutableArrayRef array, const void* value);
+
+CFTypeID CFDictionaryGetTypeID();
+CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values, CFIndex n,
+                                   const CFDictionaryKeyCallBacks* keyCallbacks,
+                                   const CFDictionaryValueCallBacks* valueCallbacks);  // the first of equal keys stays
+CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex most,
+                                                 const CFDictionaryKeyCallBacks* keyCallbacks,
+                                                 const CFDictionaryValueCallBacks* valueCallbacks);
+CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);  // null = 0
+Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
+const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);  // borrowed; null = none
+Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key, const void** value);
+void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
+void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
+
+// Numbers
+enum CFNumberType : CFIndex {
+    kCFNumberSInt8Type = 1,
+    kCFNumberSInt16Type = 2,
+    kCFNumberSInt32Type = 3,
+    kCFNumberSInt64Type = 4,
+    kCFNumberFloat32Type = 5,
+    kCFNumberFloat64Type = 6,
+    kCFNumberCharType = 7,
+    kCFNumberShortType = 8,
+    kCFNumberIntType = 9,
+    kCFNumberLongType = 10,
+    kCFNumberLongLongType = 11,
+    kCFNumberFloatType = 12,
+    kCFNumberDoubleType = 13,
+    kCFNumberCFIndexType = 14,
+    kCFNumberCGFloatType = 16
+};
+CFTypeID CFNumberGetTypeID();
+CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value);  // null = unknown type or null value
+// *value gets the nearest number of the type; false = it is not the same one, or nothing was written
+Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
+Boolean CFNumberIsFloatType(CFNumberRef number);
+
+// Truth values
+extern const CFBooleanRef kCFBooleanTrue;
+extern const CFBooleanRef kCFBooleanFalse;
+CFTypeID CFBooleanGetTypeID();
+Boolean CFBooleanGetValue(CFBooleanRef boolean);  // null = false
 
 // File URLs
 enum CFURLPathStyle : CFIndex { kCFURLPOSIXPathStyle = 0 };

@@ -9,7 +9,34 @@
 
 #include "platform/CoreFoundation/CoreFoundation.h"
 
-enum CFKnownType : CFTypeID { kCFTypeString = 1, kCFTypeData, kCFTypeURL, kCFTypeWriteStream, kCFTypeUUID };
+// Every type of the platform has its number here.
+enum CFKnownType : CFTypeID {
+    kCFTypeString = 1,
+    kCFTypeData,
+    kCFTypeURL,
+    kCFTypeWriteStream,
+    kCFTypeUUID,
+    kCFTypeArray,
+    kCFTypeDictionary,
+    kCFTypeNumber,
+    kCFTypeBoolean,
+    kCGTypeColorSpace = 100,
+    kCGTypeColor,
+    kCGTypePath,
+    kCGTypeGradient,
+    kCGTypeFunction,
+    kCGTypeShading,
+    kCGTypeDataProvider,
+    kCGTypeDataConsumer,
+    kCGTypeImage,
+    kCGTypeContext,
+    kCGTypeLayer,
+    kCGTypePDFDocument,
+    kCGTypePDFPage,
+    kCGTypeImageSource,
+    kCGTypeImageDestination,
+    kHITypeShape
+};
 
 struct __CFString : CFObject {
     explicit __CFString(std::u16string text) : units(std::move(text)) {}
@@ -18,6 +45,9 @@ struct __CFString : CFObject {
     CFHashCode hash() const override { return std::hash<std::u16string>()(units); }
     const std::u16string units;
 };
+
+// A string that stands for the life of the process, for the names of constants.
+CFStringRef CFConstantString(const char* ascii);
 
 // The bytes as UTF-8; a lone surrogate becomes U+FFFD.
 std::string CFUnitsToUTF8(std::u16string_view units);

@@ -188,6 +188,12 @@ std::string CFUnitsToUTF8(std::u16string_view units) {
 
 // Strings ----------------------------------------------------------------------------------------------------------
 
+CFStringRef CFConstantString(const char* ascii) {
+    auto string = new __CFString(std::u16string(ascii, ascii + strlen(ascii)));
+    string->references = 1L << 40;  // never freed, whoever releases it
+    return string;
+}
+
 CFTypeID CFStringGetTypeID() { return kCFTypeString; }
 
 CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar* units, CFIndex n) {
