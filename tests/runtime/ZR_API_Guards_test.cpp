@@ -241,12 +241,17 @@ TEST(Guards, DeepBrackets_AHundredThousand) {
     EXPECT_EQ(RunFor("$r:=1" + Repeat(")", deep)), "real 1");
     EXPECT_EQ(RunFor("$r:=1+" + Repeat("()", deep) + "2"), "real 3");
     EXPECT_EQ(RunFor("$r:=" + Repeat("(1)+", deep) + "0"), "real 100000");
+    EXPECT_EQ(RunForError("If (" + Repeat("(", deep) + "True" + Repeat(")", deep) + ")\nEnd If"), "");
+    EXPECT_EQ(RunFor("For ($i;" + Repeat("(", deep) + "1" + Repeat(")", deep) + ";3)\n$r:=$i\nEnd For"), "real 3");
     EXPECT_LT(clock.seconds(), 120);
 }
 
 TEST(Guards, LongLines_AndManyIndexes) {
     Clock clock;
     EXPECT_EQ(RunFor("$r:=0" + Repeat("+1", 100000)), "real 100000");
+    EXPECT_EQ(RunFor("$x:=1\n$p:=->$x\n$r:=0" + Repeat("+$p->", 50000)), "real 50000");
+    EXPECT_EQ(RunForError("ALERT(1" + Repeat(";1", 50000) + ")"), "-13@1 Command \"ALERT\" wrong count of parameters");
+    EXPECT_EQ(RunForError("$r:=Abs(" + Repeat("Abs(", 5000) + "1" + Repeat(")", 5001)), "");
     EXPECT_EQ(RunFor("$s:=\"abc\"\n$r:=" + Repeat("$s[[1]]+", 2000) + "\"\"").size(), 5u + 2000);
     RunText("$s:=\"abc\"\n$r:=$s" + Repeat("[[", 20000));
     RunText("ARRAY REAL($a;3)\n$r:=$a" + Repeat("{", 20000) + Repeat("}", 20000));
