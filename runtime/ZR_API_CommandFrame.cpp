@@ -83,11 +83,12 @@ void ZR_ExecutionContext::ExecuteParameters(ZR_Handle* parameters, long id) {
     ZR_Handle list;
     zrExe_CreateTokens(&list);
     list.growStep = 4;
-    for (long index = 1; parameters->count && !lastError; ++index) {
-        long separator = zrExe_GetTokenPosByType(parameters, ZREXE_TOKEN_SEMICOLON);
+    long first = 1;
+    for (long index = 1; first <= parameters->count && !lastError; ++index) {
+        long separator = zrExe_GetTokenPosByType(parameters, ZREXE_TOKEN_SEMICOLON, first);
         long last = separator ? separator - 1 : parameters->count;
         ZR_Handle part;
-        zrExe_CreateCopyTokens(&part, parameters, 1, last, /*shallow*/ true);
+        zrExe_CreateCopyTokens(&part, parameters, first, last, /*shallow*/ true);
         if (part.count == 0) {  // an empty parameter drops all that follow it
             last = parameters->count;
         } else if (!zrExe_GetDoExecuteParameters(id, index, &part)) {
@@ -99,8 +100,7 @@ void ZR_ExecutionContext::ExecuteParameters(ZR_Handle* parameters, long id) {
             else if (!AppendValue(this, &list, &part, id)) Fail(kErrorInvalidType);
         }
         zrExe_DisposeTokens(&part);
-        if (separator && last < parameters->count) ++last;
-        zrExe_DeleteTokens(parameters, 1, last);
+        first = separator && last < parameters->count ? last + 2 : last + 1;
     }
     zrExe_DisposeTokens(parameters);
     *parameters = list;

@@ -137,7 +137,6 @@ void ZR_ExecutionContext::HandleCaseOf(ZR_ExecutionMethod* method, ZR_Executer_S
 
 // Arrows -----------------------------------------------------------------------------------------------------------
 
-static void RemoveToken(ZR_Handle* tokens, long position) { zrExe_DeleteTokens(tokens, position, position); }
 
 // Gives a token another kind and text. The text is copied first: it may be the token's own.
 static void ReplaceToken(ZR_Executer_Token* token, ZREXE_TOKEN kind, ZR_Text* text, long value) {
@@ -207,41 +206,41 @@ static bool MakePointer(ZR_ExecutionContext* context, ZR_ExecutionMethod* method
     return true;
 }
 
-void ZR_ExecutionContext::ExecuteHandleToPointers(ZR_ExecutionMethod* method, ZR_Handle* tokens) {
-    while (!lastError) {
-        long arrow = zrExe_GetTokenPosByType(tokens, ZREXE_TOKEN_ARROW);
-        if (!arrow) return;
-        ZR_Executer_Token* before = zrExe_TokenAt(tokens, arrow - 1);
-        ZR_Executer_Token* behind = zrExe_TokenAt(tokens, arrow + 1);
-        bool done;
-        if (before && zrExe_IsVariableToken(before->kind)) {
-            done = Dereference(this, before);
-        } else if (!behind) {
-            Fail(kErrorPointerToNothing);
-            return;
-        } else {
-            done = MakePointer(this, method, behind);
-        }
-        if (!done) Fail(kErrorPointerExpression);  // guard: the same arrow would be found for ever
-        if (!lastError) RemoveToken(tokens, arrow);
+// Resolves the arrow; false = it stays, with an error.
+static bool ResolveArrow(ZR_ExecutionContext* context, ZR_ExecutionMethod* method, ZR_Executer_Token* before,
+                         ZR_Executer_Token* behind) {
+    bool done;
+    if (before && zrExe_IsVariableToken(before->kind)) {
+        done = Dereference(context, before);
+    } else if (!behind) {
+        context->Fail(kErrorPointerToNothing);
+        return false;
+    } else {
+        done = MakePointer(context, method, behind);
     }
+    if (!done) context->Fail(kErrorPointerExpression);  // guard: the same arrow would be found for ever
+    return !context->lastError;
+}
+
+// From left to right: what stands in front of the first arrow has none, so that one walk resolves all.
+void ZR_ExecutionContext::ExecuteHandleToPointers(ZR_ExecutionMethod* method, ZR_Handle* tokens) {
+    long at = lastError ? 0 : zrExe_GetTokenPosByType(tokens, ZREXE_TOKEN_ARROW);
+    if (!at) return;
+    ZR_Executer_Token* list = reinterpret_cast<ZR_Executer_Token*>(tokens->data);
+    long kept = at - 1;
+    for (long i = kept; i < tokens->count; ++i) {
+        if (list[i].kind == ZREXE_TOKEN_ARROW && !lastError &&
+            ResolveArrow(this, method, kept ? &list[kept - 1] : nullptr, zrExe_TokenAt(tokens, i + 2))) {
+            list[i].Dispose();
+        } else {
+            if (kept != i) memcpy(static_cast<void*>(&list[kept]), &list[i], sizeof list[i]);
+            ++kept;
+        }
+    }
+    tokens->count = kept;
 }
 
 // Brackets ---------------------------------------------------------------------------------------------------------
-
-// The innermost bracket that closes first; false = no closing bracket behind an opening one.
-static bool FindBracket(ZR_Handle* tokens, long* open, long* close) {
-    *open = 0;
-    ZR_Executer_Token* list = reinterpret_cast<ZR_Executer_Token*>(tokens->data);
-    for (long i = 1; i <= tokens->count; ++i) {
-        if (list[i - 1].kind == ZREXE_TOKEN_OPEN) *open = i;
-        if (list[i - 1].kind == ZREXE_TOKEN_CLOSE && *open) {
-            *close = i;
-            return true;
-        }
-    }
-    return false;
-}
 
 static void ReplaceByValue(ZR_ExecutionContext* context, ZR_Handle* tokens, long first, long last,
                            ZR_Executer_Token* value) {
@@ -264,7 +263,8 @@ static void MarkMemberParameters(ZR_ExecutionContext* context, ZR_Handle* tokens
     zrExe_MoveToken(tokens, at, &marker);
 }
 
-static void ExpandCall(ZR_ExecutionContext* context, ZR_Handle* tokens, long open, long close) {
+// True = the line has become the list of the parameters of a For, and what stood around the call is gone.
+static bool ExpandCall(ZR_ExecutionContext* context, ZR_Handle* tokens, long open, long close) {
     ZR_Executer_Token* call = zrExe_TokenAt(tokens, open - 1);
     long kind = call->kind;
     long id = kind == ZREXE_TOKEN_COMMAND ? call->value.integer : 0;
@@ -276,7 +276,8 @@ static void ExpandCall(ZR_ExecutionContext* context, ZR_Handle* tokens, long ope
     if (!context->lastError && kind == ZREXE_TOKEN_COMMAND) context->Execute4DCommand(&parameters, id, &value);
     if (!context->lastError && kind == ZREXE_TOKEN_METHOD)
         context->ExecuteTokenizedBlock4DMethod(call->GetText(), &parameters, &value);
-    if (kind == ZREXE_TOKEN_COMMAND && id == ZR_CMD_FOR) {
+    bool replacesLine = kind == ZREXE_TOKEN_COMMAND && id == ZR_CMD_FOR;
+    if (replacesLine) {
         zrExe_DeleteTokens(tokens, 1, tokens->count);
         for (long i = 1; i <= parameters.count; ++i) zrExe_MoveToken(tokens, i, zrExe_TokenAt(&parameters, i));
     } else if (kind == ZREXE_TOKEN_MEMBER_CALL) {
@@ -286,6 +287,7 @@ static void ExpandCall(ZR_ExecutionContext* context, ZR_Handle* tokens, long ope
     }
     value.Dispose();
     zrExe_DisposeTokens(&parameters);
+    return replacesLine;
 }
 
 void zrExe_EvaluateSlice(ZR_ExecutionContext* context, ZR_Handle* tokens, long first, long last,
@@ -310,19 +312,44 @@ static bool IsCall(ZR_Executer_Token* token) {
     return token->kind == ZREXE_TOKEN_MEMBER_CALL || token->kind == ZREXE_TOKEN_METHOD;
 }
 
+// Resolves the bracket that ends the list; true as ExpandCall.
+static bool ExpandLast(ZR_ExecutionContext* context, ZR_Handle* tokens, long open) {
+    long close = tokens->count;
+    if (close == open + 1) {
+        zrExe_DeleteTokens(tokens, open, close);
+    } else if (IsCall(zrExe_TokenAt(tokens, open - 1))) {
+        return ExpandCall(context, tokens, open, close);
+    } else {
+        ExpandGroup(context, tokens, open, close);
+    }
+    return false;
+}
+
+// Brackets are resolved in the order in which they close. The tokens go over into a second list, and a bracket that
+// closes is the end of that list, so that a line of any length is walked once.
 void ZR_ExecutionContext::ExecuteExpandBrackets(ZR_Handle* tokens) {
-    while (!lastError && zrExe_GetTokenPosByType(tokens, ZREXE_TOKEN_OPEN)) {
-        long open, close;
-        if (!FindBracket(tokens, &open, &close)) {
-            Fail(kErrorClosedBracket);
-        } else if (close == open + 1) {
-            zrExe_DeleteTokens(tokens, open, close);
-        } else if (IsCall(zrExe_TokenAt(tokens, open - 1))) {
-            ExpandCall(this, tokens, open, close);
-        } else {
-            ExpandGroup(this, tokens, open, close);
+    if (lastError || !zrExe_GetTokenPosByType(tokens, ZREXE_TOKEN_OPEN)) return;
+    ZR_Handle done, opens;
+    zrExe_CreateTokens(&done);
+    opens.Create(sizeof(long), 0);
+    if (!done.Secure(tokens->count)) Fail(kErrorMemory);
+    for (long i = 1; i <= tokens->count && !lastError; ++i) {
+        ZR_Executer_Token* token = zrExe_TokenAt(tokens, i);
+        bool closes = token->kind == ZREXE_TOKEN_CLOSE && opens.count;
+        if (token->kind == ZREXE_TOKEN_OPEN) opens.AddLongToArray(done.count + 1);
+        zrExe_MoveToken(&done, done.count + 1, token);
+        if (!closes) continue;
+        long open = reinterpret_cast<long*>(opens.data)[opens.count - 1];
+        opens.Resize(opens.count - 1);
+        if (ExpandLast(this, &done, open)) {
+            opens.Resize(0);
+            break;
         }
     }
+    if (!lastError && opens.count) Fail(kErrorClosedBracket);
+    opens.Dispose();
+    zrExe_DisposeTokens(tokens);
+    *tokens = done;
 }
 
 // The line's own statement -----------------------------------------------------------------------------------------
