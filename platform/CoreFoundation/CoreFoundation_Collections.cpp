@@ -269,7 +269,7 @@ static bool WriteFloat(const __CFNumber& number, void* out) {
 
 static bool WriteDouble(const __CFNumber& number, void* out) {
     memcpy(out, &number.decimal, sizeof number.decimal);
-    return number.real || WholeOf(number.decimal) == number.whole;
+    return number.real || (number.decimal < 0x1p63 && WholeOf(number.decimal) == number.whole);
 }
 
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {

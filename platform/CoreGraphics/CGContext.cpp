@@ -384,7 +384,7 @@ void CGContextClearRect(CGContextRef context, CGRect rect) {
 
 // The canvas saves its clip only for levels that change it.
 void CGContext::Clip(PathRecords* records, bool evenOdd) {
-    if (!saved.empty() && !state.clipSaved && lostSaves == 0) {
+    if (!saved.empty() && !state.clipSaved) {
         table->save(canvas);
         state.clipSaved = true;
     }

@@ -8,9 +8,11 @@
 
 #include "platform/graphics_object/Canvas_Private.h"
 
-static constexpr unsigned long kHeaviestReplay = 1000000;  // operations; a heavier layer is drawn as pixels
-static constexpr long kLargestLayerPicture = 1L << 24;     // pixels
-static constexpr double kSmallestTile = 1.0 / 16;          // device units; smaller ones are not repeated
+// Operations; beyond them a layer among the operations of another canvas is drawn as pixels. Those that layers within
+// it bring along multiply, its own do not.
+static constexpr unsigned long kHeaviestReplay = 1000000, kHeaviestNesting = 50000;
+static constexpr long kLargestLayerPicture = 1L << 24;  // pixels
+static constexpr double kSmallestTile = 1.0 / 16;       // device units; smaller ones are not repeated
 
 // Life -------------------------------------------------------------------------------------------------------------
 
@@ -190,6 +192,7 @@ static void EachClip(ZRGCanvas* canvas, void (*take)(void* info, const ZRGPath*)
 void Finish(ZRGCanvas* canvas, unsigned long weight) {
     ++canvas->change;
     canvas->weight += weight;
+    if (weight > 0) ++canvas->ownWeight;
     if (canvas->cr && cairo_status(canvas->cr.get()) == CAIRO_STATUS_SUCCESS) return;
     canvas->cr.reset();
     if (cairo_surface_status(canvas->surface.get()) != CAIRO_STATUS_SUCCESS &&
@@ -502,12 +505,16 @@ static void PaintHeavyLayer(cairo_t* cr, ZRGCanvas* layer, const ZRGMatrix& m, d
     PaintSurface(cr, pixels.get(), place, alpha);
 }
 
+static bool IsHeavy(const ZRGCanvas* layer) {
+    return layer->weight > kHeaviestReplay || layer->weight - layer->ownWeight > kHeaviestNesting;
+}
+
 static void Layer(ZRGCanvas* canvas, ZRGCanvas* layer, const ZRGMatrix* m, const ZRGPaint* paint) {
     if (!canvas->cr || !layer->cr || canvas == layer || layer->kind != CanvasKind::layer) return;
     cairo_matrix_t matrix = PictureMatrix(*m, layer->width, layer->height);
     double alpha = paint->color.alpha;
     unsigned long weight = layer->weight + 1;
-    bool heavy = canvas->kind != CanvasKind::bitmap && weight > kHeaviestReplay;
+    bool heavy = canvas->kind != CanvasKind::bitmap && IsHeavy(layer);
     auto draw = [&](cairo_t* to) {
         if (heavy) PaintHeavyLayer(to, layer, *m, alpha);
         else PaintSurface(to, layer->surface.get(), matrix, alpha);

@@ -51,6 +51,7 @@ struct ZRGCanvas {
     std::unordered_map<const void*, Surface> images;  // by owner, for canvases that look at pixels later
     unsigned long change = 1;                         // counts what was painted
     unsigned long weight = 0;                         // operations that a replay runs
+    unsigned long ownWeight = 0;                      // of these, without those of layers
     LayerPicture picture;
     ZRGWrite write = nullptr;  // of a PDF
     void* writeInfo = nullptr;

@@ -27,7 +27,9 @@ static cairo_matrix_t PainterSpace(const double crop[4], int rotation) {
 static void Paint(void* document, long index, void* cairo, const double matrix[6], const double crop[4], int rotation,
                   double alpha) {
     auto cr = static_cast<cairo_t*>(cairo);
-    PopplerPage* page = poppler_document_get_page(static_cast<PopplerDocument*>(document), static_cast<int>(index));
+    auto file = static_cast<PopplerDocument*>(document);
+    if (index < 0 || index >= poppler_document_get_n_pages(file)) return;  // it may see fewer pages than qpdf
+    PopplerPage* page = poppler_document_get_page(file, static_cast<int>(index));
     if (!page) return;
     cairo_matrix_t place = {matrix[0], matrix[1], matrix[2], matrix[3], matrix[4], matrix[5]};
     cairo_matrix_t undo = PainterSpace(crop, rotation);
