@@ -692,6 +692,7 @@ static Outcome RunExpression(Run* run, ZR_Executer_Token* result) {
         if (temp->kind == ZREXE_TOKEN_OTHER) return kDone;
         if (temp->kind == ZREXE_TOKEN_NULL) return kHandOver;
         result->Dispose();
+        if (temp->kind == ZREXE_TOKEN_TIME) temp->integer = static_cast<int>(temp->integer);  // as a block takes a time
         MoveToToken(temp, result);
         return kDone;
     }
