@@ -80,6 +80,24 @@ TEST(Guards, Recursion_EndsInAnError) {
     }
 }
 
+TEST(Guards, MethodDeletedWhileItRuns_EndsTheRun) {
+    for (bool plain : {false, true}) {
+        Program program = {{"Deeper", "$0:=$1+\"!\"\nT(1)\n$0:=$0+Text(2)"}};
+        program->plainOnly = plain;
+        // The hook runs in the middle of a line whose tokens are on their way.
+        program->callback = [](ZR_ExecutionContext* context, long id, ZR_Handle*, ZR_Executer_Token*, void*) {
+            if (id == -1) return;
+            for (long reference = 1; reference < context->nextMethodReference; ++reference)
+                context->DeleteMethodByID(reference);
+        };
+        Outcome outcome = program.Run("$a:=Deeper(\"a\"+_Get Fitting Text(\"x\")+\"b\")+\"c\"\n$b:=1");
+        EXPECT_EQ(outcome["$b"], "missing") << plain;
+        EXPECT_EQ(program->methods.count, 0) << plain;
+        EXPECT_EQ(program->deletedMethods.count, 0) << plain;
+        EXPECT_EQ(program.Run("$c:=2").error(), "") << plain;
+    }
+}
+
 TEST(Guards, Recursion_ThatEnds_GoesDeep) {
     Program program = {{"Down", "If ($1>0)\n$0:=Down($1-1)+1\nElse\n$0:=0\nEnd If"}};
     EXPECT_EQ(program.Run("$r:=Down(300)")["$r"], "real 300");
