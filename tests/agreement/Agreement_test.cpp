@@ -1,0 +1,84 @@
+// The two back ends draw the same picture wherever nothing says that they are to differ.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include "tests/agreement/Cases.h"
+
+using namespace agreement;
+
+namespace {
+
+std::string FullName(const Case& row) { return row.group + ": " + row.name; }
+
+}  // namespace
+
+TEST(Agreement, Shapes_AgreeUnlessTheyAreToDiffer) {
+    int compared = 0;
+    for (const Case& row : AllCases()) {
+        if (row.kind != Kind::Shapes || row.reason) continue;
+        Comparison result = CompareBoth(row.draw);
+        EXPECT_TRUE(result.agrees()) << FullName(row) << ": " << result.text();
+        compared++;
+    }
+    EXPECT_GT(compared, 250);
+}
+
+TEST(Agreement, EveryCase_DrawsSomethingOnPixels) {
+    for (const Case& row : AllCases()) {
+        if (row.name.find("neither") != std::string::npos || row.name.find("stop") != std::string::npos) continue;
+        Extent extent = ExtentOf(DrawPixels(row.draw));
+        EXPECT_LT(extent.left, extent.right) << FullName(row);
+    }
+}
+
+TEST(Agreement, EveryReason_HoldsForACaseAtLeast) {
+    std::map<std::string, int> differing;
+    for (const Case& row : AllCases()) {
+        if (!row.reason) continue;
+        differing[row.reason] += !CompareBoth(row.draw).agrees();
+    }
+    for (const char* reason : AllReasons()) EXPECT_GT(differing[reason], 0) << reason;
+    EXPECT_EQ(differing.size(), AllReasons().size());
+}
+
+TEST(Agreement, Text_StandsWithinAPoint) {
+    for (const Case& row : AllCases()) {
+        if (row.kind != Kind::Text || row.reason) continue;
+        Extent pixels = ExtentOf(DrawPixels(row.draw)), document = ExtentOf(RenderDocument(DrawDocument(row.draw)));
+        EXPECT_NEAR(pixels.left, document.left, 1) << FullName(row);
+        EXPECT_NEAR(pixels.top, document.top, 1) << FullName(row);
+        EXPECT_NEAR(pixels.right, document.right, 1) << FullName(row);
+        EXPECT_NEAR(pixels.bottom, document.bottom, 1) << FullName(row);
+    }
+}
+
+TEST(Agreement, RandomScenes_AgreeCallByCall) {
+    const char* asked = getenv("ZR_AGREEMENT_SCENES");
+    const unsigned scenes = asked ? static_cast<unsigned>(atoi(asked)) : 150;
+    for (unsigned seed = 1; seed <= scenes; seed++) {
+        std::vector<Draw> calls = RandomScene(seed);
+        auto first = [&](size_t count) {
+            return [&calls, count](ZR_Device* device) {
+                for (size_t i = 0; i < count; i++) calls[i](device);
+            };
+        };
+        Comparison whole = CompareBoth(first(calls.size()));
+        if (whole.agrees()) continue;
+        size_t guilty = 1;  // the call that makes the difference: the first without which there is none
+        while (guilty < calls.size() && CompareBoth(first(guilty)).agrees()) guilty++;
+        ADD_FAILURE() << "seed " << seed << ", call " << guilty << " of " << calls.size() << ": " << whole.text()
+                      << "\n"
+                      << DrawDocument(first(guilty));
+    }
+}
+
+TEST(Agreement, Reasons_StandInTheManual) {
+    std::ifstream file(std::string(ZR_SOURCE_DIR) + "/docs/drawing.md");
+    std::stringstream manual;
+    manual << file.rdbuf();
+    for (const char* reason : AllReasons()) EXPECT_NE(manual.str().find(reason), std::string::npos) << reason;
+}
