@@ -128,12 +128,14 @@ constexpr float kIdentity[6] = {1, 0, 0, 1, 0, 0};
     { 1, 0, 0, 1, 0, 0 }
 const GradientSpec kGradients[] = {
     {"linear", ZR_GRADIENT_USER, true, 20, 15, 80, 60, 0, 3, ZR_IDENTITY},
-    {"linear, percent", ZR_GRADIENT_PERCENT, true, 0, 0, 100, 100, 0, 3, ZR_IDENTITY},
+    {"linear, percent", ZR_GRADIENT_PERCENT, true, 10, 0, 90, 0, 0, 3, ZR_IDENTITY},
     {"linear, part of the shape", ZR_GRADIENT_USER, true, 40, 0, 60, 0, 0, 2, ZR_IDENTITY},
     {"radial", ZR_GRADIENT_USER, false, 48, 36, 0, 0, 34, 3, ZR_IDENTITY},
     {"radial with a focal point", ZR_GRADIENT_USER, false, 48, 36, 38, 30, 34, 3, ZR_IDENTITY},
     {"radial, percent", ZR_GRADIENT_PERCENT, false, 50, 50, 0, 0, 50, 3, ZR_IDENTITY},
     {"radial, percent, focal point", ZR_GRADIENT_PERCENT, false, 50, 50, 35, 40, 50, 3, ZR_IDENTITY},
+    {"linear, percent, downward", ZR_GRADIENT_PERCENT, true, 0, 0, 0, 100, 0, 3, ZR_IDENTITY},
+    {"linear, percent, slanted", ZR_GRADIENT_PERCENT, true, 0, 0, 100, 100, 0, 3, ZR_IDENTITY},
     {"one stop", ZR_GRADIENT_USER, true, 20, 15, 80, 60, 0, 1, ZR_IDENTITY},
     {"no bounds", ZR_GRADIENT_NONE, true, 20, 15, 80, 60, 0, 3, ZR_IDENTITY},
     {"no stops", ZR_GRADIENT_USER, true, 20, 15, 80, 60, 0, 0, ZR_IDENTITY},
@@ -233,6 +235,9 @@ void AddShape(std::vector<Case>* cases, const ShapeRow& row, const std::string& 
     cases->push_back({row.group, name, [=](ZR_Device* device) { DrawShape(device, shape, paint, kFrame); }, reason});
 }
 
+// The star's points become sharper than a mitre of 4 allows.
+bool NarrowsCorners(size_t matrix) { return matrix == 1 || matrix == 3; }
+
 // Every shape, filled, stroked and both, under every matrix, opaque and translucent, clipped, dashed.
 void AddShapes(std::vector<Case>* cases) {
     static constexpr struct {
@@ -248,7 +253,8 @@ void AddShapes(std::vector<Case>* cases) {
                     paint.fillAlpha = paint.strokeAlpha = alpha;
                     std::string name = std::string(kind.name) + (m ? std::string(", ") + kMatrices[m].name : "") +
                                        (alpha < 1 ? ", half transparent" : "");
-                    AddShape(cases, row, name, paint);
+                    const bool sharp = row.shape == Shape::EvenOdd && paint.stroke && NarrowsCorners(m);
+                    AddShape(cases, row, name, paint, sharp ? kSharpCorner : nullptr);
                 }
         Paint paint;
         AddShape(cases, row, "neither filled nor stroked", [] {
@@ -262,7 +268,7 @@ void AddShapes(std::vector<Case>* cases) {
             paint.stroke = true;
             std::string under = m ? std::string(", ") + kMatrices[m].name : "";
             paint.clip = Rect(24, 20, 66, 50);
-            AddShape(cases, row, "clipped at whole points" + under, paint);
+            AddShape(cases, row, "clipped at whole points" + under, paint, m ? kClipUnderMatrix : nullptr);
             paint.clip = Rect(24.25F, 20.5F, 66.5F, 50.25F);
             AddShape(cases, row, "clipped between points" + under, paint, kWholePointClip);
         }
@@ -285,6 +291,8 @@ const char* GradientReason(const ShapeRow& row, size_t gradient, size_t matrix) 
     if (row.shape == Shape::ArcClockwise || row.shape == Shape::ArcCounter) return nullptr;
     if (spec.stops == 1) return kSingleStop;
     if (matrix != kPlain) return kGradientUnderMatrix;
+    if (spec.bounds == ZR_GRADIENT_PERCENT && spec.linear && spec.x1 != spec.x2 && spec.y1 != spec.y2)
+        return kSlantedPercent;
     const bool skews = spec.matrix[1] != 0 || (spec.bounds == ZR_GRADIENT_PERCENT && spec.matrix[4] != 0);
     return skews ? kGradientMatrix : nullptr;
 }
@@ -330,7 +338,8 @@ void AddArcs(std::vector<Case>* cases) {
                                   ZR_RGBColor fill = kFill, stroke = kStroke;
                                   device->DrawArc(&rect, angle.start, angle.end, clockwise, true, true, &fill, &stroke,
                                                   2, true, nullptr, nullptr, nullptr, nullptr);
-                              }});
+                              },
+                              angle.start == angle.end ? kFullArc : nullptr});
 }
 
 void AddLines(std::vector<Case>* cases) {
@@ -359,20 +368,16 @@ void AddLines(std::vector<Case>* cases) {
     cases->push_back({"Line", "square cap", line(12, 0, 2, true, kPlain, false, 0), kNoJoinOrCap});
     cases->push_back({"Line", "dashed", line(3, 0, 0, true, kPlain, true, 0), kNoDash});
     cases->push_back({"Line", "without antialias", line(3, 0, 0, false, kPlain, false, 0), kNoAntialias});
-    cases->push_back({"Lines", "one segment",
-                      [](ZR_Device* device) {
+    cases->push_back({"Lines", "one segment", [](ZR_Device* device) {
                           ZR_Rect segments[] = {Rect(10, 10, 80, 60)};
                           ZR_RGBColor stroke = kStroke;
                           device->DrawLines(segments, 1, &stroke, 3, true, nullptr);
-                      },
-                      kClosedLines});
-    cases->push_back({"Lines", "three segments",
-                      [](ZR_Device* device) {
+                      }});
+    cases->push_back({"Lines", "three segments", [](ZR_Device* device) {
                           ZR_Rect segments[] = {Rect(10, 10, 80, 20), Rect(10, 30, 80, 35), Rect(10, 60, 80, 45)};
                           ZR_RGBColor stroke = kStroke;
                           device->DrawLines(segments, 3, &stroke, 3, true, nullptr);
-                      },
-                      kClosedLines});
+                      }});
     cases->push_back({"Lines", "dashed",
                       [](ZR_Device* device) {
                           ZR_Rect segments[] = {Rect(10, 10, 80, 20), Rect(10, 60, 80, 45)};
@@ -387,12 +392,13 @@ void AddPaths(std::vector<Case>* cases) {
     struct Row {
         const char* name;
         const char* data;
+        bool sharp = false;
     };
     static constexpr Row kRows[] = {
         {"lines", "M10 10L80 20L60 60L20 50Z"},
         {"open", "M10 10L80 20L60 60L20 50"},
         {"curves", "M10 36C30 0 60 80 86 36S60 0 48 20"},
-        {"quadratic", "M10 60Q48 -20 86 60T60 40"},
+        {"quadratic", "M10 60Q48 -20 86 60T60 40", true},
         {"steps", "M10 10h20v10h20v10h20v20H10z"},
         {"arcs of a circle", "M20 36A28 28 0 0 1 76 36A28 28 0 0 1 20 36Z"},
         {"arc, large and turned", "M30 50A30 16 30 1 0 66 30"},
@@ -401,7 +407,8 @@ void AddPaths(std::vector<Case>* cases) {
     };
     for (const Row& row : kRows)
         for (bool evenOdd : {false, true})
-            cases->push_back({evenOdd ? "Path, even-odd" : "Path", row.name, [=](ZR_Device* device) {
+            cases->push_back({evenOdd ? "Path, even-odd" : "Path", row.name,
+                              [=](ZR_Device* device) {
                                   Path path(row.data);
                                   ZR_Rect bounds;
                                   ZR_GetPathBoundingBox(&path.value, &bounds);
@@ -410,7 +417,8 @@ void AddPaths(std::vector<Case>* cases) {
                                   device->DrawPath(false, &path.value, &target, &bounds, true, true, &fill, &stroke, 2,
                                                    true, nullptr, nullptr, nullptr, nullptr, nullptr,
                                                    evenOdd ? ZR_FILL_EVENODD : ZR_FILL_NONZERO);
-                              }});
+                              },
+                              row.sharp ? kSharpCorner : nullptr});
     auto shaped = [](bool smooth, ZR_Rect target) {
         return [=](ZR_Device* device) {
             Path path("M14 50L34 20L54 50L80 20");
@@ -608,10 +616,11 @@ std::vector<Case> AllCases() {
 }
 
 std::vector<const char*> AllReasons() {
-    return {kNoDash,       kNoAntialias, kNoJoinOrCap, kNoShadow,       kNoLayer,
-            kNoTransform,  kNoShading,   kNoRotation,  kWholePointClip, kWholePointText,
-            kPathGradient, kPathTarget,  kRegionAlpha, kRegionOutlines, kRegionFrame,
-            kClosedLines,  kCornerLimit, kSingleStop,  kGradientMatrix, kGradientUnderMatrix};
+    return {kNoDash,          kNoAntialias,    kNoJoinOrCap,        kNoShadow,       kNoLayer,
+            kNoTransform,     kNoShading,      kNoRotation,         kWholePointClip, kWholePointText,
+            kPathGradient,    kPathTarget,     kRegionAlpha,        kRegionOutlines, kRegionFrame,
+            kClipUnderMatrix, kSharpCorner,    kSlantedPercent,     kFullArc,        kCornerLimit,
+            kSingleStop,      kGradientMatrix, kGradientUnderMatrix};
 }
 
 std::vector<Draw> RandomScene(unsigned seed) {
@@ -620,6 +629,7 @@ std::vector<Draw> RandomScene(unsigned seed) {
     auto whole = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(engine); };
     std::vector<Draw> calls;
     const int count = whole(1, 12);
+    bool clipped = false;
     for (int i = 0; i < count; i++) {
         Paint paint;
         paint.fill = whole(0, 2) > 0;
@@ -627,12 +637,14 @@ std::vector<Draw> RandomScene(unsigned seed) {
         paint.fillAlpha = whole(0, 1) ? 1 : real(0.1F, 0.9F);
         paint.strokeAlpha = whole(0, 1) ? 1 : real(0.1F, 0.9F);
         paint.width = real(0.5F, 8);
-        if (whole(0, 2) == 0) paint.matrix = static_cast<size_t>(whole(1, int(std::size(kMatrices)) - 1));
-        if (whole(0, 3) == 0) {
+        if (!clipped && whole(0, 2) == 0) paint.matrix = static_cast<size_t>(whole(1, int(std::size(kMatrices)) - 1));
+        if (paint.matrix == kPlain && whole(0, 5) == 0) {
+            clipped = true;  // for all that follows
             float left = float(whole(0, 40)), top = float(whole(0, 30));
             paint.clip = Rect(left, top, left + float(whole(10, 50)), top + float(whole(10, 40)));
         }
         const ShapeRow& row = kShapes[whole(0, int(std::size(kShapes)) - 1)];
+        if (row.shape == Shape::EvenOdd && NarrowsCorners(paint.matrix)) paint.stroke = false, paint.fill = true;
         if (row.takesGradient && paint.matrix == kPlain && whole(0, 1)) paint.gradient = whole(0, 5);
         ZR_Rect frame = Rect(real(0, 50), real(0, 40), 0, 0);
         frame.right = frame.left + real(24, 60);

@@ -41,13 +41,15 @@ inline constexpr char kPathTarget[] = "SVG writes a path as it stands, without t
 inline constexpr char kRegionAlpha[] = "Regions are opaque on pixels";
 inline constexpr char kRegionOutlines[] = "A subtracted rectangle of a region is one more outline in SVG";
 inline constexpr char kRegionFrame[] = "The frame of a region in SVG is the device's own path";
-inline constexpr char kClosedLines[] = "The last of several lines is closed on pixels";
+inline constexpr char kClipUnderMatrix[] = "A clip in SVG moves with the matrix of the element";
+inline constexpr char kSharpCorner[] = "Sharp corners are cut at a mitre of 10 on pixels and of 4 in SVG";
+inline constexpr char kSlantedPercent[] = "A slanted gradient in percent leans with the sides of the shape in SVG";
+inline constexpr char kFullArc[] =
+    "A full turn as an arc is drawn clockwise in SVG alone, the other way on pixels alone";
 inline constexpr char kCornerLimit[] = "Corner radii are limited to one half of the shorter side on pixels alone";
 inline constexpr char kSingleStop[] = "A gradient of one stop draws nothing on pixels";
 inline constexpr char kGradientMatrix[] = "The matrix of a gradient acts from other origins";
 inline constexpr char kGradientUnderMatrix[] = "Under a matrix a gradient is mirrored on pixels";
-inline constexpr char kFocalRadius[] = "A percentage gradient's focal point is read as points of the circle";
-inline constexpr char kNoStrikethrough[] = "A single line of text has no strikethrough";
 
 std::vector<Case> AllCases();
 std::vector<const char*> AllReasons();

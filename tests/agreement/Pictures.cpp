@@ -118,7 +118,7 @@ struct Span {  // of a 3 x 3 neighbourhood, by channel
     }
     bool holds(const uint8_t* pixel) const {
         for (size_t c = 0; c < 4; c++)
-            if (pixel[c] < low[c] - kTolerance || pixel[c] > high[c] + kTolerance) return false;
+            if (pixel[c] < low[c] - kEdgeTolerance || pixel[c] > high[c] + kEdgeTolerance) return false;
         return true;
     }
 };

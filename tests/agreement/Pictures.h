@@ -54,6 +54,7 @@ struct Comparison {
     std::string text() const;
 };
 inline constexpr int kTolerance = 2;
+inline constexpr int kEdgeTolerance = 16;  // both renderers flatten curves to within a tenth of a pixel
 
 Comparison Compare(const Image& pixels, const Image& document);
 Comparison CompareBoth(const Draw& draw);
