@@ -148,7 +148,8 @@ static CFDictionaryRef CopyOf(CFDictionaryRef attributes) {
     return CFDictionaryCreateMutableCopy(nullptr, 0, attributes);
 }
 
-// Pieces that shared their dictionary before the change share it afterwards.
+// Pieces that shared their dictionary before the change share it afterwards. One that nobody else holds is changed as
+// it stands.
 template <class Change>
 static void ChangePieces(CFMutableAttributedStringRef string, CFRange range, Change change) {
     if (!string || !string->changes || !CutToString(string, &range)) return;
@@ -159,6 +160,10 @@ static void ChangePieces(CFMutableAttributedStringRef string, CFRange range, Cha
         Attributes before, after;
         for (auto piece = string->pieces.find(range.location); piece != string->pieces.end() && piece->first < end;
              ++piece) {
+            if (piece->second.use_count() == 1 && CFGetRetainCount(piece->second.get()) == 1) {
+                change(const_cast<CFMutableDictionaryRef>(piece->second.get()));
+                continue;
+            }
             if (piece->second != before) {
                 auto changed = const_cast<CFMutableDictionaryRef>(CopyOf(piece->second.get()));
                 if (!changed) return nullptr;

@@ -62,11 +62,8 @@ StyledText* CreateStyledText(CFAttributedStringRef string) {
         CFRange range;
         for (CFIndex at = 0; at < text->Length(); at = range.location + range.length) {
             CFDictionaryRef attributes = CFAttributedStringGetAttributes(string, at, &range);
-            // A dictionary of the string may change later with it
-            Kept<const __CFDictionary> own(CFDictionaryCreateMutableCopy(nullptr, 0, attributes));
-            if (!own) throw std::bad_alloc();
-            text->styles.push_back(ReadStyle(own.get(), range.location + range.length));
-            own.release();
+            text->styles.push_back(ReadStyle(attributes, range.location + range.length));
+            CFRetain(attributes);  // a change of the string makes another dictionary while this one is held
         }
         return text.release();
     });
@@ -228,8 +225,8 @@ static void DrawUnderline(CGContext& c, const ZRGTextRun& run, double x, const S
                           const ZRGPaint& paint) {
     const ZRGFontFacts& font = style.font->facts;
     PathRecords records = c.NewPath();
-    records.Rect(m, CGRectMake(x + run.x, font.underlinePosition - font.underlineThickness, run.width,
-                               font.underlineThickness));
+    records.Rect(
+        m, CGRectMake(x + run.x, font.underlinePosition - font.underlineThickness, run.width, font.underlineThickness));
     if (records.empty()) return;
     ZRGPath view = records.View(/*evenOdd*/ false);
     c.table->fill(c.canvas, &view, &paint);
