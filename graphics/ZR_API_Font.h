@@ -7,6 +7,7 @@
 #define ZR_API_FONT_H
 
 #include "core/ZR_API_TextArray.h"
+#include "graphics/ZR_API_Alignment.h"
 
 struct CTFont;
 struct NSFont;
@@ -17,21 +18,6 @@ inline constexpr short kZRBold = 1;
 inline constexpr short kZRItalic = 2;
 inline constexpr short kZRUnderline = 4;
 inline constexpr short kZRStrikethrough = 8;
-
-enum ZR_Alignment : int {
-    ZR_ALIGNMENT_DEFAULT = 1,  // left, or right where the text runs from right to left
-    ZR_ALIGNMENT_LEFT = 2,
-    ZR_ALIGNMENT_CENTER = 3,
-    ZR_ALIGNMENT_RIGHT = 4,
-    ZR_ALIGNMENT_JUSTIFIED = 5
-};
-enum ZR_Alignment_Vertical : int { ZR_VERTICAL_TOP = 1, ZR_VERTICAL_CENTER = 2, ZR_VERTICAL_BOTTOM = 3 };
-
-enum ZR_Textmeasuring : int {
-    ZR_TEXT_DRAW = 0,
-    ZR_TEXT_MEASURE = 1,           // at the rectangle's width; right and bottom of the rectangle are set
-    ZR_TEXT_MEASURE_UNLIMITED = 2  // without a width limit
-};
 
 struct ZR_Font {
     float size;                                  // points

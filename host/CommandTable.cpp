@@ -21,7 +21,8 @@
     X(commandsRecords)          \
     X(commandsStructure)        \
     X(commandsSystem)           \
-    X(commandsText)
+    X(commandsText)             \
+    X(commandsXML)
 
 namespace zrhost {
 
