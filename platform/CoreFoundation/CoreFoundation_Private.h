@@ -44,7 +44,9 @@ enum CFKnownType : CFTypeID {
     kCTTypeFramesetter,
     kCTTypeFrame,
     kCTTypeLine,
-    kCTTypeRun
+    kCTTypeRun,
+    kNSTypeImage = 220,
+    kNSTypeBitmapImageRep
 };
 
 struct __CFString : CFObject {

@@ -623,11 +623,11 @@ std::vector<const char*> AllReasons() {
             kSingleStop,      kGradientMatrix, kGradientUnderMatrix};
 }
 
-std::vector<Draw> RandomScene(unsigned seed) {
+Scene RandomScene(unsigned seed) {
     std::mt19937 engine(seed);
     auto real = [&](float low, float high) { return std::uniform_real_distribution<float>(low, high)(engine); };
     auto whole = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(engine); };
-    std::vector<Draw> calls;
+    Scene scene;
     const int count = whole(1, 12);
     bool clipped = false;
     for (int i = 0; i < count; i++) {
@@ -650,9 +650,10 @@ std::vector<Draw> RandomScene(unsigned seed) {
         frame.right = frame.left + real(24, 60);
         frame.bottom = frame.top + real(20, 40);
         Shape shape = row.shape;
-        calls.emplace_back([=](ZR_Device* device) { DrawShape(device, shape, paint, frame); });
+        scene.translucent += (paint.fill && paint.fillAlpha < 1) + (paint.stroke && paint.strokeAlpha < 1);
+        scene.calls.emplace_back([=](ZR_Device* device) { DrawShape(device, shape, paint, frame); });
     }
-    return calls;
+    return scene;
 }
 
 }  // namespace agreement

@@ -55,7 +55,11 @@ std::vector<Case> AllCases();
 std::vector<const char*> AllReasons();
 
 // A scene of agreeing primitives, the same for a seed; its calls can be drawn one by one.
-std::vector<Draw> RandomScene(unsigned seed);
+struct Scene {
+    std::vector<Draw> calls;
+    int translucent = 0;  // fills and strokes that let through what is below: each rounds once more
+};
+Scene RandomScene(unsigned seed);
 
 }  // namespace agreement
 

@@ -131,7 +131,7 @@ int Difference(const uint8_t* a, const uint8_t* b) {
 
 }  // namespace
 
-bool Comparison::agrees() const { return interior <= kTolerance && beyond == 0; }
+bool Comparison::agrees(int tolerance) const { return interior <= tolerance && beyond == 0; }
 
 std::string Comparison::text() const {
     char line[120];

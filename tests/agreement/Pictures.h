@@ -44,17 +44,18 @@ Extent ExtentOf(const Image& image);
 // Interior pixels: those around which neither picture changes by more than a steep gradient does. The others are edges:
 // there the antialiasing may differ, so a pixel counts as beyond only if it lies outside what its neighbours in the
 // other picture span.
+inline constexpr int kTolerance = 2;
+inline constexpr int kEdgeTolerance = 16;  // both renderers flatten curves to within a tenth of a pixel
+
 struct Comparison {
     int interior = 0;  // largest channel difference of interior pixels
     int largest = 0;   // of all pixels
     int beyond = 0;    // edge pixels beyond the other picture's neighbourhood
     double share = 0;  // of the pixels that differ by more than kTolerance
 
-    bool agrees() const;
+    bool agrees(int tolerance = kTolerance) const;  // of interior pixels
     std::string text() const;
 };
-inline constexpr int kTolerance = 2;
-inline constexpr int kEdgeTolerance = 16;  // both renderers flatten curves to within a tenth of a pixel
 
 Comparison Compare(const Image& pixels, const Image& document);
 Comparison CompareBoth(const Draw& draw);
