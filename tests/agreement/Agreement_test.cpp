@@ -1,6 +1,7 @@
 // The two back ends draw the same picture wherever nothing says that they are to differ.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <map>
@@ -11,6 +12,12 @@
 using namespace agreement;
 
 namespace {
+
+bool StandsTheSame(const Draw& draw) {
+    Extent a = ExtentOf(DrawPixels(draw)), b = ExtentOf(RenderDocument(DrawDocument(draw)));
+    return std::abs(a.left - b.left) <= 1 && std::abs(a.top - b.top) <= 1 && std::abs(a.right - b.right) <= 1 &&
+           std::abs(a.bottom - b.bottom) <= 1;
+}
 
 std::string FullName(const Case& row) { return row.group + ": " + row.name; }
 
@@ -29,7 +36,8 @@ TEST(Agreement, Shapes_AgreeUnlessTheyAreToDiffer) {
 
 TEST(Agreement, EveryCase_DrawsSomethingOnPixels) {
     for (const Case& row : AllCases()) {
-        if (row.name.find("neither") != std::string::npos || row.name.find("stop") != std::string::npos) continue;
+        if (row.name.find("neither") != std::string::npos || row.reason == kSingleStop || row.reason == kFullArc)
+            continue;
         Extent extent = ExtentOf(DrawPixels(row.draw));
         EXPECT_LT(extent.left, extent.right) << FullName(row);
     }
@@ -39,7 +47,8 @@ TEST(Agreement, EveryReason_HoldsForACaseAtLeast) {
     std::map<std::string, int> differing;
     for (const Case& row : AllCases()) {
         if (!row.reason) continue;
-        differing[row.reason] += !CompareBoth(row.draw).agrees();
+        bool differs = row.kind == Kind::Text ? !StandsTheSame(row.draw) : !CompareBoth(row.draw).agrees();
+        differing[row.reason] += differs;
     }
     for (const char* reason : AllReasons()) EXPECT_GT(differing[reason], 0) << reason;
     EXPECT_EQ(differing.size(), AllReasons().size());

@@ -4,11 +4,13 @@
 #include <memory>
 #include <random>
 
+#include "core/ZR_API_Picture.h"
 #include "graphics/ZR_API_Device.h"
 #include "graphics/ZR_API_Font.h"
 #include "graphics/ZR_API_Gradient.h"
 #include "graphics/ZR_API_LineDash.h"
 #include "graphics/ZR_API_Matrix.h"
+#include "graphics/ZR_API_MultiStyleText.h"
 #include "graphics/ZR_API_Path.h"
 #include "graphics/ZR_API_Region.h"
 #include "graphics/ZR_API_Shading.h"
@@ -551,7 +553,7 @@ void AddText(std::vector<Case>* cases) {
                 Text text("Hxg");
                 device->DrawText(text, 20, 40, &font.value, &a.strokeColor, 0, true, a.matrix, nullptr);
             },
-            m == 2 || m == 3 ? kGradientMatrix : nullptr);
+            m == 2 || m == 3 ? kTextMatrix : nullptr);
     add(
         "Text", "between points",
         [](ZR_Device* device) {
@@ -583,7 +585,8 @@ void AddText(std::vector<Case>* cases) {
                                       0, true, nullptr, nullptr);
         });
         for (int vertical : {1, 2, 3})
-            add("Text layout",
+            add(
+                "Text layout",
                 std::string(row.name) + (vertical == 1   ? ", top"
                                          : vertical == 2 ? ", middle"
                                                          : ", bottom"),
@@ -595,8 +598,84 @@ void AddText(std::vector<Case>* cases) {
                     device->DrawTextLayout(text, &rect, static_cast<ZR_Alignment>(row.alignment),
                                            static_cast<ZR_Alignment_Vertical>(vertical), &font.value, &color, true,
                                            nullptr, nullptr, true, static_cast<ZR_Textmeasuring>(0), false, 0, 0, true);
-                });
+                },
+                vertical == 3        ? kBottomText
+                : row.alignment == 5 ? kNotJustified
+                                     : nullptr);
     }
+}
+
+// Pictures and styled text -----------------------------------------------------------------------------------------
+
+struct Picture {
+    ZR_Picture value;
+    Picture() {  // 24 x 18 pixels
+        value.Create();
+        ZR_Device device;
+        if (!device.CreateOffscreen(24, 18, true, 0, 0)) return;
+        ZR_Rect all = Rect(0, 0, 24, 18), half = Rect(0, 0, 12, 9);
+        ZR_RGBColor ground = Color(240, 220, 130), corner = kStroke;
+        device.DrawRect(&all, true, false, &ground, &ground, 1, true, 0, false, nullptr, nullptr, nullptr, nullptr);
+        device.DrawRect(&half, true, false, &corner, &corner, 1, true, 0, false, nullptr, nullptr, nullptr, nullptr);
+        value.Create(&device, ZR_PICT_PNG);
+        device.Dispose();
+    }
+    ~Picture() { value.Dispose(); }
+    Picture(const Picture&) = delete;
+    Picture& operator=(const Picture&) = delete;
+};
+
+void AddPictures(std::vector<Case>* cases) {
+    auto add = [&](std::string name, short mode, ZR_Rect rect, float opacity, size_t matrix, const char* reason) {
+        cases->push_back({"Picture", std::move(name),
+                          [=](ZR_Device* device) {
+                              Paint paint;
+                              paint.matrix = matrix;
+                              Arguments a(paint);
+                              Picture picture;
+                              picture.value.displayFormat = mode;
+                              ZR_Rect into = rect;
+                              picture.value.Draw(device, &into, opacity, a.matrix, ZR_ALIGNMENT_LEFT, nullptr);
+                          },
+                          reason});
+    };
+    const ZR_Rect natural = Rect(30, 20, 54, 38), wide = Rect(12, 10, 84, 64);
+    for (short mode : {1, 2, 3, 5, 6})
+        for (size_t m : {kPlain, size_t(1), size_t(2)})
+            add("mode " + std::to_string(mode) + ", natural size" + (m ? std::string(", ") + kMatrices[m].name : ""),
+                mode, natural, 100, m, nullptr);
+    add("half transparent", 2, natural, 50, kPlain, nullptr);
+    add("stretched", 2, wide, 100, kPlain, nullptr);
+    add("scaled to fit at the left", 5, wide, 100, kPlain, nullptr);
+    add("mode 1, in the middle", 1, wide, 100, kPlain, kPictureMode);
+    add("mode 3, at the corner", 3, wide, 100, kPlain, kPictureMode);
+    add("tiled", 7, wide, 100, kPlain, kTiling);
+}
+
+void AddStyledText(std::vector<Case>* cases) {
+    static constexpr char kStyled[] =
+        "plain <SPAN STYLE=\"font-weight:bold\">bold <SPAN STYLE=\"color:#B22222\">red</SPAN></SPAN> "
+        "<SPAN STYLE=\"text-decoration:underline\">under</SPAN> "
+        "<SPAN STYLE=\"background-color:#FFF078;text-decoration:line-through\">marked</SPAN>";
+    for (int alignment : {2, 3, 4})
+        cases->push_back({"Styled text",
+                          alignment == 2   ? "left"
+                          : alignment == 3 ? "centred"
+                                           : "right",
+                          [=](ZR_Device* device) {
+                              Font font(11, 0);
+                              Text styled(kStyled), plain("");
+                              ZR_RGBColor color = Color(0, 0, 0);
+                              ZR_MultiStyleText runs;
+                              runs.CreateWith4DStyledText(styled, plain, &font.value, &color);
+                              ZR_Rect rect = Rect(6, 4, 90, 68);
+                              device->DrawMultiStyleText(plain, &runs, &rect, static_cast<ZR_Alignment>(alignment),
+                                                         static_cast<ZR_Alignment_Vertical>(1), &font.value, &color,
+                                                         true, nullptr, nullptr, true, static_cast<ZR_Textmeasuring>(0),
+                                                         false, 0, 0, true);
+                              runs.Dispose();
+                          },
+                          nullptr, Kind::Document});
 }
 
 }  // namespace
@@ -612,15 +691,17 @@ std::vector<Case> AllCases() {
     AddRegions(&cases);
     AddOthers(&cases);
     AddText(&cases);
+    AddPictures(&cases);
+    AddStyledText(&cases);
     return cases;
 }
 
 std::vector<const char*> AllReasons() {
-    return {kNoDash,          kNoAntialias,    kNoJoinOrCap,        kNoShadow,       kNoLayer,
-            kNoTransform,     kNoShading,      kNoRotation,         kWholePointClip, kWholePointText,
-            kPathGradient,    kPathTarget,     kRegionAlpha,        kRegionOutlines, kRegionFrame,
-            kClipUnderMatrix, kSharpCorner,    kSlantedPercent,     kFullArc,        kCornerLimit,
-            kSingleStop,      kGradientMatrix, kGradientUnderMatrix};
+    return {kNoDash,      kNoAntialias,    kNoJoinOrCap,    kNoShadow,           kNoLayer,      kNoTransform,
+            kNoShading,   kNoRotation,     kWholePointClip, kWholePointText,     kPathGradient, kPathTarget,
+            kRegionAlpha, kRegionOutlines, kRegionFrame,    kClipUnderMatrix,    kSharpCorner,  kSlantedPercent,
+            kFullArc,     kBottomText,     kNotJustified,   kTextMatrix,         kPictureMode,  kTiling,
+            kCornerLimit, kSingleStop,     kGradientMatrix, kGradientUnderMatrix};
 }
 
 Scene RandomScene(unsigned seed) {

@@ -51,6 +51,13 @@ inline constexpr char kSingleStop[] = "A gradient of one stop draws nothing on p
 inline constexpr char kGradientMatrix[] = "The matrix of a gradient acts from other origins";
 inline constexpr char kGradientUnderMatrix[] = "Under a matrix a gradient is mirrored on pixels";
 
+inline constexpr char kBottomText[] = "A block of text at the bottom stands two points higher on pixels";
+inline constexpr char kNotJustified[] = "SVG lines are not justified";
+inline constexpr char kTextMatrix[] = "A line of text turns the other way on pixels under a matrix";
+inline constexpr char kPictureMode[] =
+    "Display modes 1, 3, 4 and 6 fill the rectangle in SVG, with its proportions kept";
+inline constexpr char kTiling[] = "SVG tiles a picture in x alone, and stretches the tiles";
+
 std::vector<Case> AllCases();
 std::vector<const char*> AllReasons();
 
