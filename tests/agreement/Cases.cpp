@@ -123,7 +123,7 @@ constexpr MatrixSpec kMatrices[] = {
     {"skewed", {1, 0.2F, 0.4F, 1, -14, -9}},
     {"mirrored", {-1, 0, 0, 1, 96, 0}},
 };
-constexpr size_t kPlain = 0;
+constexpr size_t kPlain = 0, kTurned = 2;
 
 constexpr float kIdentity[6] = {1, 0, 0, 1, 0, 0};
 #define ZR_IDENTITY \
@@ -284,15 +284,22 @@ void AddShapes(std::vector<Case>* cases) {
     }
 }
 
+// Whether a mirror along the middle of the frame shows.
+bool IsUpright(const GradientSpec& spec) {
+    if (spec.linear) return spec.y1 != spec.y2;
+    return (spec.x2 != 0 || spec.y2 != 0) && spec.y2 != spec.y1;  // the centre lies in the middle
+}
+
 const char* GradientReason(const ShapeRow& row, size_t gradient, size_t matrix) {
     const GradientSpec& spec = kGradients[gradient];
     const bool used = spec.bounds != ZR_GRADIENT_NONE && spec.stops > 0;
     if (!used && spec.stops > 0) return nullptr;  // falls back to the plain colour
-    if (spec.stops == 0) return kSingleStop;
+    if (spec.stops == 0) return nullptr;          // neither fills
     if (row.shape == Shape::Path || row.shape == Shape::EvenOdd) return kPathGradient;
     if (row.shape == Shape::ArcClockwise || row.shape == Shape::ArcCounter) return nullptr;
     if (spec.stops == 1) return kSingleStop;
-    if (matrix != kPlain) return kGradientUnderMatrix;
+    if (matrix != kPlain && IsUpright(spec)) return kGradientUnderMatrix;
+    if (matrix == kTurned && spec.bounds == ZR_GRADIENT_PERCENT) return kRendererBox;
     if (spec.bounds == ZR_GRADIENT_PERCENT && spec.linear && spec.x1 != spec.x2 && spec.y1 != spec.y2)
         return kSlantedPercent;
     const bool skews = spec.matrix[1] != 0 || (spec.bounds == ZR_GRADIENT_PERCENT && spec.matrix[4] != 0);
@@ -697,11 +704,35 @@ std::vector<Case> AllCases() {
 }
 
 std::vector<const char*> AllReasons() {
-    return {kNoDash,      kNoAntialias,    kNoJoinOrCap,    kNoShadow,           kNoLayer,      kNoTransform,
-            kNoShading,   kNoRotation,     kWholePointClip, kWholePointText,     kPathGradient, kPathTarget,
-            kRegionAlpha, kRegionOutlines, kRegionFrame,    kClipUnderMatrix,    kSharpCorner,  kSlantedPercent,
-            kFullArc,     kBottomText,     kNotJustified,   kTextMatrix,         kPictureMode,  kTiling,
-            kCornerLimit, kSingleStop,     kGradientMatrix, kGradientUnderMatrix};
+    return {kNoDash,
+            kNoAntialias,
+            kNoJoinOrCap,
+            kNoShadow,
+            kNoLayer,
+            kNoTransform,
+            kNoShading,
+            kNoRotation,
+            kWholePointClip,
+            kWholePointText,
+            kPathGradient,
+            kPathTarget,
+            kRegionAlpha,
+            kRegionOutlines,
+            kRegionFrame,
+            kClipUnderMatrix,
+            kSharpCorner,
+            kSlantedPercent,
+            kFullArc,
+            kBottomText,
+            kNotJustified,
+            kTextMatrix,
+            kRendererBox,
+            kPictureMode,
+            kTiling,
+            kCornerLimit,
+            kSingleStop,
+            kGradientMatrix,
+            kGradientUnderMatrix};
 }
 
 Scene RandomScene(unsigned seed) {

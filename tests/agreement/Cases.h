@@ -54,6 +54,7 @@ inline constexpr char kGradientUnderMatrix[] = "Under a matrix a gradient is mir
 inline constexpr char kBottomText[] = "A block of text at the bottom stands two points higher on pixels";
 inline constexpr char kNotJustified[] = "SVG lines are not justified";
 inline constexpr char kTextMatrix[] = "A line of text turns the other way on pixels under a matrix";
+inline constexpr char kRendererBox[] = "The renderer of the comparison takes the box of a turned shape too large";
 inline constexpr char kPictureMode[] =
     "Display modes 1, 3, 4 and 6 fill the rectangle in SVG, with its proportions kept";
 inline constexpr char kTiling[] = "SVG tiles a picture in x alone, and stretches the tiles";
