@@ -115,9 +115,9 @@ static void DecorateRun(CGContextRef context, const ZR_MultiStyleRun* style, CGR
 
 static void DecorateLine(CGContextRef context, const StyledBlock& block, CTLineRef line, double baseline, CGRect box) {
     double lineWidth = CTLineGetBoundsWithOptions(line, 0).size.width, sum = 0;
-    double shift = block.alignment == ZR_ALIGN_RIGHT    ? box.size.width - lineWidth
-                   : block.alignment == ZR_ALIGN_CENTER ? (box.size.width - lineWidth) / 2
-                                                        : 0;
+    double shift = block.alignment == ZR_ALIGNMENT_RIGHT    ? box.size.width - lineWidth
+                   : block.alignment == ZR_ALIGNMENT_CENTER ? (box.size.width - lineWidth) / 2
+                                                            : 0;
     CFArrayRef runs = CTLineGetGlyphRuns(line);
     for (CFIndex i = 0; i < CFArrayGetCount(runs); ++i) {
         auto run = static_cast<CTRunRef>(CFArrayGetValueAtIndex(runs, i));
@@ -157,7 +157,7 @@ static void DrawStyledFrame(ZR_Device* device, const StyledBlock& block, CTFrame
 
 static void StyledRaster(ZR_Device* device, const StyledBlock& block, ZR_Matrix* matrix) {
     CGRect r;
-    bool turned = device->PerformDrawMatrix(block.rect, matrix, &r), draws = block.measuring == ZR_MEASURE_DRAW;
+    bool turned = device->PerformDrawMatrix(block.rect, matrix, &r), draws = block.measuring == ZR_TEXT_DRAW;
     if (draws && turned) device->PrepareMatrixDrawing(&r);
     else if (draws) CGContextSaveGState(device->context);
     if (HasCTFont(block.font)) {
@@ -180,7 +180,7 @@ void ZR_Device::DrawMultiStyleText(ZR_Text* text, void* runs, ZR_Rect* rect, ZR_
     if (!text || text->count < 1 || !font || !rect || ZR_IsRectEmpty(rect)) return;
     ZR_RGBColor black = {0, 0, 0, 1};
     if (!color) color = &black;
-    if (measuring == ZR_MEASURE_DRAW && svg) {
+    if (measuring == ZR_TEXT_DRAW && svg) {
         DrawMultiStyleText_SVG(text, runs, rect, alignment, vertical, font, color, antialias, matrix, properties,
                                lineSpacing, lastFlag);
         return;
@@ -198,9 +198,9 @@ void ZR_Device::DrawMultiStyleText(ZR_Text* text, void* runs, ZR_Rect* rect, ZR_
 
 static const char* TextAlign(ZR_Alignment alignment) {
     switch (alignment) {
-        case ZR_ALIGN_CENTER: return "center";
-        case ZR_ALIGN_RIGHT: return "end";
-        case ZR_ALIGN_JUSTIFIED: return "justify";
+        case ZR_ALIGNMENT_CENTER: return "center";
+        case ZR_ALIGNMENT_RIGHT: return "end";
+        case ZR_ALIGNMENT_JUSTIFIED: return "justify";
         default: return "start";
     }
 }
@@ -229,8 +229,8 @@ void ZR_Device::DrawMultiStyleText_SVG(ZR_Text* text, void* runs, ZR_Rect* rect,
     if (const char* decoration = ZR_TextDecoration(with->style))
         svg->SetAttributeText(&area, "text-decoration", decoration);
     svg->SetAttributeText(&area, "text-align", TextAlign(alignment));
-    if (vertical == ZR_VALIGN_BOTTOM) svg->SetAttributeText(&area, "display-align", "after");
-    if (vertical == ZR_VALIGN_CENTER) svg->SetAttributeText(&area, "display-align", "center");
+    if (vertical == ZR_VERTICAL_BOTTOM) svg->SetAttributeText(&area, "display-align", "after");
+    if (vertical == ZR_VERTICAL_CENTER) svg->SetAttributeText(&area, "display-align", "center");
     if (!antialias) svg->SetAttributeText(&area, "text-rendering", "optimizeSpeed");
     svg->SetColor(&area, color ? color : &black, "fill", "fill-opacity");
     svg->SetMatrix(&area, matrix, "transform");

@@ -93,11 +93,11 @@ void ZR_Device::DrawTextAlignment(ZR_Text* text, float left, float right, float 
     float x = left;
     auto width = [&] { return static_cast<ZR_Font*>(font)->GetTextWidth(text); };
     switch (alignment) {
-        case ZR_ALIGN_DEFAULT:
-        case ZR_ALIGN_LEFT:
-        case ZR_ALIGN_JUSTIFIED: break;
-        case ZR_ALIGN_CENTER: x = left + (right - left - width()) / 2; break;
-        case ZR_ALIGN_RIGHT: x = left + right - left - width(); break;
+        case ZR_ALIGNMENT_DEFAULT:
+        case ZR_ALIGNMENT_LEFT:
+        case ZR_ALIGNMENT_JUSTIFIED: break;
+        case ZR_ALIGNMENT_CENTER: x = left + (right - left - width()) / 2; break;
+        case ZR_ALIGNMENT_RIGHT: x = left + right - left - width(); break;
         default: return;
     }
     DrawText(text, x, y, font, color, rotation, antialias, matrix, properties);
@@ -144,7 +144,7 @@ static void DrawFrame(ZR_Device* device, const TextBlock& block, CTFramesetterRe
 
 static void BlockRaster(ZR_Device* device, const TextBlock& block, ZR_Matrix* matrix) {
     CGRect r;
-    bool turned = device->PerformDrawMatrix(block.rect, matrix, &r), draws = block.measuring == ZR_MEASURE_DRAW;
+    bool turned = device->PerformDrawMatrix(block.rect, matrix, &r), draws = block.measuring == ZR_TEXT_DRAW;
     if (draws && turned) device->PrepareMatrixDrawing(&r);
     else if (draws) CGContextSaveGState(device->context);
     if (HasCTFont(block.font)) {
@@ -161,7 +161,7 @@ void ZR_Device::DrawTextLayout(ZR_Text* text, ZR_Rect* rect, ZR_Alignment alignm
                                bool wordWrap, ZR_Textmeasuring measuring, bool clip, float lineSpacing, float kerning,
                                bool keepTop) {
     if (!font || !text || !rect || text->count < 1) return;
-    if (measuring == ZR_MEASURE_DRAW && ZR_IsRectEmpty(rect)) return;
+    if (measuring == ZR_TEXT_DRAW && ZR_IsRectEmpty(rect)) return;
     ZR_RGBColor black = {0, 0, 0, 1};
     if (!color) color = &black;
     // Differs: SVG always breaks by word, and has neither kerning nor room at the top.
@@ -188,8 +188,8 @@ static void StrikeLine(CGContextRef context, CTLineRef line, double baseline, CG
         double x = box.origin.x + sum, y = baseline - descent + (ascent + descent) / 2;
         sum += width;
         if (x + width > right) width = right - x;
-        if (alignment == ZR_ALIGN_CENTER) x = box.origin.x + box.size.width / 2 - width / 2;
-        if (alignment == ZR_ALIGN_RIGHT) x = right - width;
+        if (alignment == ZR_ALIGNMENT_CENTER) x = box.origin.x + box.size.width / 2 - width / 2;
+        if (alignment == ZR_ALIGNMENT_RIGHT) x = right - width;
         ZR_StrokeThrough(context, color, lineWidth, x, y, width);
     }
 }
@@ -211,7 +211,7 @@ void ZR_Device::DrawStrikethroughText(const CTFrame* frame, const CGColor* color
 // A block: SVG -------------------------------------------------------------------------------------------------------
 
 static void MeasureSvg(ZR_Text* text, ZR_Rect* rect, ZR_Font* font, ZR_Textmeasuring measuring, float lineSpacing) {
-    bool limited = measuring == ZR_MEASURE_WIDTH;
+    bool limited = measuring == ZR_TEXT_MEASURE;
     long limit = limited ? ZR_TruncatedToLong(static_cast<double>(rect->right - rect->left)) : kUnlimitedWidth;
     ZR_TextArray lines;
     lines.Create();
@@ -241,10 +241,10 @@ static void LineSvg(ZR_Device* device, ZR_Text* line, const TextBlock& block, fl
     svg->CreateElement("text", &element);
     device->SetCustomProperties(&element, properties);
     device->SetCustomProperties(&element, &device->customProperties);
-    if (block.alignment == ZR_ALIGN_RIGHT) {
+    if (block.alignment == ZR_ALIGNMENT_RIGHT) {
         svg->SetAttributeText(&element, "text-anchor", "end");
         x = block.rect->right;
-    } else if (block.alignment == ZR_ALIGN_CENTER) {
+    } else if (block.alignment == ZR_ALIGNMENT_CENTER) {
         svg->SetAttributeText(&element, "text-anchor", "middle");
         x = block.rect->left + (block.rect->right - block.rect->left) / 2;
     }
@@ -270,8 +270,8 @@ static void BlockSvg(ZR_Device* device, const TextBlock& block, ZR_Matrix* matri
     float height = block.font->GetHeight();
     float free = block.rect->bottom - block.rect->top - height * static_cast<float>(lines.count);
     float y = block.rect->top;
-    if (block.vertical == ZR_VALIGN_BOTTOM) y += free;
-    if (block.vertical == ZR_VALIGN_CENTER) y += free / 2;
+    if (block.vertical == ZR_VERTICAL_BOTTOM) y += free;
+    if (block.vertical == ZR_VERTICAL_CENTER) y += free / 2;
     y += block.font->GetAscent();
     for (long i = 1; i <= lines.count; ++i) {
         LineSvg(device, lines.GetTextPtr(i), block, y, matrix, properties);
@@ -285,7 +285,7 @@ void ZR_Device::DrawTextLayout_SVG(ZR_Text* text, ZR_Rect* rect, ZR_Alignment al
                                    ZR_Handle* properties, ZR_Textmeasuring measuring, bool clip, float lineSpacing) {
     if (!svg || !font || !text || !rect) return;
     auto with = static_cast<ZR_Font*>(font);
-    if (measuring != ZR_MEASURE_DRAW) {
+    if (measuring != ZR_TEXT_DRAW) {
         MeasureSvg(text, rect, with, measuring, lineSpacing);
         return;
     }

@@ -48,10 +48,10 @@ CTParagraphStyleRef ZR_CreateParagraphStyle(ZR_Alignment alignment, bool wordWra
     static constexpr struct {
         ZR_Alignment alignment;
         CTTextAlignment platform;
-    } kAlignments[] = {{ZR_ALIGN_LEFT, kCTTextAlignmentLeft},
-                       {ZR_ALIGN_CENTER, kCTTextAlignmentCenter},
-                       {ZR_ALIGN_RIGHT, kCTTextAlignmentRight},
-                       {ZR_ALIGN_JUSTIFIED, kCTTextAlignmentJustified}};
+    } kAlignments[] = {{ZR_ALIGNMENT_LEFT, kCTTextAlignmentLeft},
+                       {ZR_ALIGNMENT_CENTER, kCTTextAlignmentCenter},
+                       {ZR_ALIGNMENT_RIGHT, kCTTextAlignmentRight},
+                       {ZR_ALIGNMENT_JUSTIFIED, kCTTextAlignmentJustified}};
     CTTextAlignment platform = kCTTextAlignmentNatural;
     for (auto& row : kAlignments)
         if (row.alignment == alignment) platform = row.platform;
@@ -80,7 +80,7 @@ static CGSize SizeAt(CTFramesetterRef framesetter, double width) {
 }
 
 void ZR_MeasureFrame(CTFramesetterRef framesetter, ZR_Rect* rect, ZR_Textmeasuring measuring) {
-    double width = measuring == ZR_MEASURE_WIDTH ? static_cast<double>(rect->right - rect->left) : DBL_MAX;
+    double width = measuring == ZR_TEXT_MEASURE ? static_cast<double>(rect->right - rect->left) : DBL_MAX;
     CGSize size = SizeAt(framesetter, width);
     rect->right = static_cast<float>(static_cast<double>(rect->left) + size.width);
     rect->bottom = static_cast<float>(static_cast<double>(rect->top) + size.height);
@@ -90,15 +90,15 @@ void ZR_MeasureFrame(CTFramesetterRef framesetter, ZR_Rect* rect, ZR_Textmeasuri
 static CGRect FrameRect(CTFramesetterRef framesetter, CGRect r, double suggestedWidth, ZR_Alignment_Vertical vertical,
                         double topRoom) {
     double x = r.origin.x, y = r.origin.y, w = r.size.width, h = r.size.height;
-    if (vertical == ZR_VALIGN_TOP) return CGRectMake(x, y - topRoom, w, h + topRoom);
+    if (vertical == ZR_VERTICAL_TOP) return CGRectMake(x, y - topRoom, w, h + topRoom);
     double s = SizeAt(framesetter, suggestedWidth).height;
-    if (vertical == ZR_VALIGN_BOTTOM) return CGRectMake(x, y - h + 2, w, s + h);
+    if (vertical == ZR_VERTICAL_BOTTOM) return CGRectMake(x, y - h + 2, w, s + h);
     return CGRectMake(x, y - h / 2 - s / 2, w, s + h);
 }
 
 CTFrameRef ZR_CreateTextFrame(CTFramesetterRef framesetter, CGRect r, double suggestedWidth,
                               ZR_Alignment_Vertical vertical, double topRoom) {
-    bool known = vertical >= ZR_VALIGN_TOP && vertical <= ZR_VALIGN_BOTTOM;
+    bool known = vertical >= ZR_VERTICAL_TOP && vertical <= ZR_VERTICAL_BOTTOM;
     CGPathRef path = known ? CGPathCreateWithRect(FrameRect(framesetter, r, suggestedWidth, vertical, topRoom), nullptr)
                            : CGPathCreateMutable();
     CTFrameRef frame = CTFramesetterCreateFrame(framesetter, CFRangeMake(0, 0), path, nullptr);
@@ -136,7 +136,7 @@ static void TakeLine(const ZR_Text* text, CFRange range, ZR_Text* to) {
 
 static CTFrameRef CreateFrameOfLines(const ZR_Text* text, ZR_Font* font, long width, long height) {
     CFMutableAttributedStringRef string = ZR_CreateAttributedText(text, font, nullptr);
-    CTParagraphStyleRef style = ZR_CreateParagraphStyle(ZR_ALIGN_DEFAULT, /*wordWrap*/ true, 0);
+    CTParagraphStyleRef style = ZR_CreateParagraphStyle(ZR_ALIGNMENT_DEFAULT, /*wordWrap*/ true, 0);
     CFAttributedStringSetAttribute(string, CFRangeMake(0, text->count), kCTParagraphStyleAttributeName, style);
     CTFramesetterRef framesetter = CTFramesetterCreateWithAttributedString(string);
     double room = height == 0 ? kDefaultHeight : static_cast<double>(height);
