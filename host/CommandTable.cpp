@@ -20,7 +20,8 @@
     X(commandsRecords)          \
     X(commandsStructure)        \
     X(commandsSystem)           \
-    X(commandsText)
+    X(commandsText)             \
+    X(commandsXML)
 
 namespace zrhost {
 

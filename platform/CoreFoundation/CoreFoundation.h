@@ -30,6 +30,8 @@ typedef const struct __CFBoolean* CFBooleanRef;
 typedef const struct __CFURL* CFURLRef;
 typedef const struct __CFUUID* CFUUIDRef;
 typedef struct __CFWriteStream* CFWriteStreamRef;
+typedef const struct __CFAttributedString* CFAttributedStringRef;
+typedef struct __CFAttributedString* CFMutableAttributedStringRef;
 
 struct CFRange {
     CFIndex location, length;
@@ -138,12 +140,34 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void
 CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex most,
                                                  const CFDictionaryKeyCallBacks* keyCallbacks,
                                                  const CFDictionaryValueCallBacks* valueCallbacks);
+CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef, CFIndex most, CFDictionaryRef dictionary);
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);  // null = 0
 Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);  // borrowed; null = none
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key, const void** value);
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
 void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
+
+// Attributed strings: units with CF objects under names. A range is cut to the string; changes behind BeginEditing are
+// seen at once.
+CFTypeID CFAttributedStringGetTypeID();
+CFAttributedStringRef CFAttributedStringCreate(CFAllocatorRef, CFStringRef string, CFDictionaryRef attributes);
+CFMutableAttributedStringRef CFAttributedStringCreateMutable(CFAllocatorRef, CFIndex most);  // empty; 0 = any
+CFMutableAttributedStringRef CFAttributedStringCreateMutableCopy(CFAllocatorRef, CFIndex most,
+                                                                 CFAttributedStringRef string);
+CFStringRef CFAttributedStringGetString(CFAttributedStringRef string);  // borrowed until the next change
+CFIndex CFAttributedStringGetLength(CFAttributedStringRef string);      // null = 0
+// The replacement takes the attributes of the first replaced unit, else of the one before.
+void CFAttributedStringReplaceString(CFMutableAttributedStringRef string, CFRange range, CFStringRef replacement);
+// Those at a unit, and the range that they hold for; borrowed until the next change; null = outside
+CFDictionaryRef CFAttributedStringGetAttributes(CFAttributedStringRef string, CFIndex at, CFRange* effective);
+CFTypeRef CFAttributedStringGetAttribute(CFAttributedStringRef string, CFIndex at, CFStringRef name,
+                                         CFRange* effective);
+void CFAttributedStringSetAttribute(CFMutableAttributedStringRef string, CFRange range, CFStringRef name,
+                                    CFTypeRef value);
+void CFAttributedStringRemoveAttribute(CFMutableAttributedStringRef string, CFRange range, CFStringRef name);
+void CFAttributedStringBeginEditing(CFMutableAttributedStringRef string);
+void CFAttributedStringEndEditing(CFMutableAttributedStringRef string);
 
 // Numbers
 enum CFNumberType : CFIndex {

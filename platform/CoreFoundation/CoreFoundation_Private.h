@@ -20,6 +20,7 @@ enum CFKnownType : CFTypeID {
     kCFTypeDictionary,
     kCFTypeNumber,
     kCFTypeBoolean,
+    kCFTypeAttributedString,
     kCGTypeColorSpace = 100,
     kCGTypeColor,
     kCGTypePath,
@@ -35,7 +36,15 @@ enum CFKnownType : CFTypeID {
     kCGTypePDFPage,
     kCGTypeImageSource,
     kCGTypeImageDestination,
-    kHITypeShape
+    kHITypeShape,
+    kCTTypeFont = 200,
+    kCTTypeFontDescriptor,
+    kCTTypeFontCollection,
+    kCTTypeParagraphStyle,
+    kCTTypeFramesetter,
+    kCTTypeFrame,
+    kCTTypeLine,
+    kCTTypeRun
 };
 
 struct __CFString : CFObject {
