@@ -9,11 +9,13 @@
 #include "platform/graphics_object/Text_Private.h"
 
 static constexpr double kLeastSize = 1, kMostSize = 1000, kMiddlingSize = 12;  // points that Pango works with
-static constexpr double kMostPangoPoints = 1e6;                                // a width in them
-static constexpr double kTabStop = 28;                                         // points
-static constexpr double kLargestImageGlyph = 200;  // device units; larger glyphs are painted as outlines
-static constexpr double kSmallestGlyph = 1e-2;     // device units; smaller ones are not painted
-static constexpr long kManyGlyphs = 512;           // from here on those outside of the clip are left out
+static constexpr double kMostReach = 8e5;  // points of a line, if all its glyphs were as wide as their font is high
+static constexpr double kMostPangoPoints = 1e6;             // a width in them
+static constexpr long kManyUnits = 8192, kMostTabs = 1000;  // in that many units; further tabs are blanks
+static constexpr double kTabStop = 28;                      // points
+static constexpr double kLargestImageGlyph = 200;           // device units; larger glyphs are painted as outlines
+static constexpr double kSmallestGlyph = 1e-2;              // device units; smaller ones are not painted
+static constexpr long kManyGlyphs = 512;                    // from here on those outside of the clip are left out
 
 namespace {
 struct Glyph {
@@ -96,9 +98,10 @@ static Bytes ToBytes(const ZRGTypesetting& from) {
     bool breaks = from.breaking == kZRGBreakWords || from.breaking == kZRGBreakAnywhere;
     bytes.text.reserve(count + count / 2);
     bytes.unitOf.reserve(count + count / 2 + 1);
-    long style = 0;
+    long style = 0, tabs = from.count > kManyUnits ? kMostTabs : from.count;  // their time grows with the square
     for (size_t i = 0; i < count;) {
         uint32_t c = from.units[i];
+        if (c == '\t' && --tabs < 0) c = ' ';
         size_t taken = 1;
         if (c >= 0xD800 && c < 0xDC00 && i + 1 < count && from.units[i + 1] >= 0xDC00 && from.units[i + 1] < 0xE000) {
             c = 0x10000 + ((c - 0xD800) << 10) + (from.units[i + 1] - 0xDC00U);
@@ -156,10 +159,16 @@ static int PangoUnits(double points) {
     return static_cast<int>(std::clamp(points, -kMostPangoPoints, kMostPangoPoints) * PANGO_SCALE);
 }
 
-static double ScaleOf(const ZRGTypesetting& from) {
-    double most = 0;
-    for (long i = 0; i < from.styleCount; ++i) most = std::max(most, from.styles[i].font->size);
-    return most >= kLeastSize && most <= kMostSize ? 1 : most / kMiddlingSize;
+// So that a line of all units stays within what Pango can count, and no font is too small for its grid.
+static double ScaleOf(const ZRGTypesetting& from, const Bytes& bytes) {
+    double most = 0, reach = bytes.text.find('\t') != std::string::npos ? kTabStop : 0;
+    for (long i = 0; i < from.styleCount; ++i) {
+        most = std::max(most, from.styles[i].font->size);
+        reach = std::max(reach, from.styles[i].font->size + std::abs(from.styles[i].spacing));
+    }
+    double limit = std::min(kMostSize, kMostReach / static_cast<double>(from.count));
+    if (reach > limit) return reach / limit;
+    return most < kLeastSize ? most / std::min(kMiddlingSize, limit) : 1;
 }
 
 static PangoAttrList* AttributesOf(const ZRGTypesetting& from, const Bytes& bytes, double scale) {
@@ -296,6 +305,20 @@ static void TakeLine(Typeset* set, TextThread* thread, const ZRGTypesetting& fro
     set->ownLines.push_back(line);
 }
 
+// Pango leaves justified lines short by the kerning of the blank at their end.
+static void Fill(Typeset* set, ZRGTextLine* line, double width) {
+    if (!(std::abs(width - line->width) < 1) || line->width <= 0) return;
+    double factor = width / line->width;
+    for (long i = line->firstRun; i < line->firstRun + line->runCount; ++i) {
+        ZRGTextRun& run = set->ownRuns[static_cast<size_t>(i)];
+        run.x *= factor;
+        run.width *= factor;
+        for (long k = run.firstGlyph; k < run.firstGlyph + run.glyphs; ++k)
+            set->glyphs[static_cast<size_t>(k)].x *= static_cast<float>(factor);
+    }
+    line->width = width;
+}
+
 // A line without glyphs is as high as the font at its place.
 static void GiveHeight(ZRGTextLine* line, const ZRGTypesetting& from) {
     long style = 0;
@@ -313,8 +336,8 @@ static ZRGTypeset* SetText(const ZRGTypesetting* from) {
     try {
         TextThread& thread = ThisThread();
         auto set = std::make_unique<Typeset>();
-        set->scale = ScaleOf(*from);
         Bytes bytes = ToBytes(*from);
+        set->scale = ScaleOf(*from, bytes);
         if (from->direction != kZRGAsText)
             pango_context_set_base_dir(thread.context,
                                        from->direction == kZRGRightToLeft ? PANGO_DIRECTION_RTL : PANGO_DIRECTION_LTR);
@@ -330,6 +353,7 @@ static ZRGTypeset* SetText(const ZRGTypesetting* from) {
             ZRGTextLine& line = set->ownLines[i];
             line.end = i + 1 < set->ownLines.size() ? set->ownLines[i + 1].start : from->count;
             if (line.runCount == 0) GiveHeight(&line, *from);
+            if (from->justify && i + 1 < set->ownLines.size()) Fill(set.get(), &line, from->width);
         }
         set->lines = set->ownLines.data();
         set->lineCount = static_cast<long>(set->ownLines.size());
