@@ -191,4 +191,17 @@ std::vector<uint8_t> PngOf(const Image& image) {
     return png;
 }
 
+Image ReadPng(const std::string& path) {
+    CFStringRef text = CFStringCreateWithCString(nullptr, path.c_str(), kCFStringEncodingUTF8);
+    CFURLRef url = CFURLCreateWithFileSystemPath(nullptr, text, kCFURLPOSIXPathStyle, false);
+    CGImageSourceRef source = CGImageSourceCreateWithURL(url, nullptr);
+    CGImageRef picture = source ? CGImageSourceCreateImageAtIndex(source, 0, nullptr) : nullptr;
+    Image image = picture ? ImageOf(picture) : Image{};
+    CFRelease(picture);
+    CFRelease(source);
+    CFRelease(url);
+    CFRelease(text);
+    return image;
+}
+
 }  // namespace agreement

@@ -62,6 +62,7 @@ Comparison CompareBoth(const Draw& draw);
 
 CGImageRef CreateImage(const Image& image);  // handed over
 std::vector<uint8_t> PngOf(const Image& image);
+Image ReadPng(const std::string& path);  // empty = unreadable
 
 }  // namespace agreement
 
