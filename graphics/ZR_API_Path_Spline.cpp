@@ -101,8 +101,10 @@ static double WantedLines(const ZR_Spline* spline, long i) {
 }
 
 // Guard: the part of the wanted lines that is drawn, so that far points do not make lines without end.
-static double LinesPart(double wanted) {
-    return wanted > ZR_MOST_SPLINE_LINES ? static_cast<double>(ZR_MOST_SPLINE_LINES) / wanted : 1;
+static double LinesPart(double wanted, long segments) {
+    const double most = static_cast<double>(ZR_MOST_SPLINE_LINES) +
+                        static_cast<double>(segments) * static_cast<double>(ZR_SPLINE_LINES_A_SEGMENT);
+    return wanted > most ? most / wanted : 1;
 }
 
 static void AddLines(const ZR_Spline* spline, long i, long steps, ZR_Handle* out) {
@@ -117,7 +119,7 @@ static void AddLines(const ZR_Spline* spline, long i, long steps, ZR_Handle* out
 static void Flatten(const ZR_Spline* spline, ZR_Handle* out) {
     double all = 0;
     for (long i = 0; i < spline->count - 1; ++i) all += WantedLines(spline, i);
-    const double part = LinesPart(all);
+    const double part = LinesPart(all, spline->count - 1);
     out->Secure(static_cast<long>(all * part) + spline->count);  // what cannot be had is missed below
     ZR_AddPathMove(out, spline->x[0], spline->y[0]);
     for (long i = 0; i < spline->count - 1; ++i) {
