@@ -10,12 +10,11 @@
 
 static constexpr double kLeastSize = 1, kMostSize = 1000, kMiddlingSize = 12;  // points that Pango works with
 static constexpr double kMostReach = 8e5;  // points of a line, if all its glyphs were as wide as their font is high
-static constexpr double kMostPangoPoints = 1e6;             // a width in them
-static constexpr long kManyUnits = 8192, kMostTabs = 1000;  // in that many units; further tabs are blanks
-static constexpr double kTabStop = 28;                      // points
-static constexpr double kLargestImageGlyph = 200;           // device units; larger glyphs are painted as outlines
-static constexpr double kSmallestGlyph = 1e-2;              // device units; smaller ones are not painted
-static constexpr long kManyGlyphs = 512;                    // from here on those outside of the clip are left out
+static constexpr double kMostPangoPoints = 1e6;    // a width in them
+static constexpr double kTabStop = 28;             // points
+static constexpr double kLargestImageGlyph = 200;  // device units; larger glyphs are painted as outlines
+static constexpr double kSmallestGlyph = 1e-2;     // device units; smaller ones are not painted
+static constexpr long kManyGlyphs = 512;           // from here on those outside of the clip are left out
 
 namespace {
 struct Glyph {
@@ -98,10 +97,9 @@ static Bytes ToBytes(const ZRGTypesetting& from) {
     bool breaks = from.breaking == kZRGBreakWords || from.breaking == kZRGBreakAnywhere;
     bytes.text.reserve(count + count / 2);
     bytes.unitOf.reserve(count + count / 2 + 1);
-    long style = 0, tabs = from.count > kManyUnits ? kMostTabs : from.count;  // their time grows with the square
+    long style = 0;
     for (size_t i = 0; i < count;) {
         uint32_t c = from.units[i];
-        if (c == '\t' && --tabs < 0) c = ' ';
         size_t taken = 1;
         if (c >= 0xD800 && c < 0xDC00 && i + 1 < count && from.units[i + 1] >= 0xDC00 && from.units[i + 1] < 0xE000) {
             c = 0x10000 + ((c - 0xD800) << 10) + (from.units[i + 1] - 0xDC00U);
