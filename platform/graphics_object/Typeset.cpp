@@ -361,6 +361,87 @@ static void GiveHeight(ZRGTextLine* line, const ZRGTypesetting& from) {
     line->leading = facts.leading;
 }
 
+// A plain line ------------------------------------------------------------------------------------------------------
+
+// Shaped as Pango would shape the one item that such a line is; in the thread's buffer.
+static void ShapePlain(TextThread* thread, PangoFont* font, const std::string& text, bool kerned) {
+    bool letters = std::any_of(text.begin(), text.end(), [](char c) { return (c | 32) >= 'a' && (c | 32) <= 'z'; });
+    const char* language = pango_language_to_string(pango_context_get_language(thread->context));
+    hb_buffer_t* buffer = thread->buffer;
+    hb_buffer_clear_contents(buffer);
+    hb_buffer_add_utf8(buffer, text.data(), static_cast<int>(text.size()), 0, -1);
+    hb_buffer_set_flags(buffer, static_cast<hb_buffer_flags_t>(HB_BUFFER_FLAG_BOT | HB_BUFFER_FLAG_EOT));
+    hb_buffer_set_cluster_level(buffer, HB_BUFFER_CLUSTER_LEVEL_MONOTONE_CHARACTERS);
+    hb_buffer_set_direction(buffer, HB_DIRECTION_LTR);
+    hb_buffer_set_script(buffer, letters ? HB_SCRIPT_LATIN : HB_SCRIPT_COMMON);
+    hb_buffer_set_language(buffer, hb_language_from_string(language, -1));
+    hb_feature_t noKerning = {HB_TAG('k', 'e', 'r', 'n'), 0, 0, static_cast<unsigned>(-1)};
+    hb_shape(pango_font_get_hb_font(font), buffer, &noKerning, kerned ? 1 : 0);
+}
+
+// The buffer's glyphs; false = the font lacks one.
+static bool TakeShaped(Typeset* set, hb_buffer_t* buffer, ZRGTextRun* run) {
+    unsigned count;
+    const hb_glyph_info_t* info = hb_buffer_get_glyph_infos(buffer, &count);
+    const hb_glyph_position_t* at = hb_buffer_get_glyph_positions(buffer, &count);
+    int64_t x = 0;
+    for (unsigned i = 0; i < count; ++i) {
+        if (info[i].codepoint == 0) return false;
+        set->glyphs.push_back({info[i].codepoint, static_cast<float>(x + at[i].x_offset) / PANGO_SCALE,
+                               static_cast<float>(-at[i].y_offset) / PANGO_SCALE});
+        x += at[i].x_advance;
+    }
+    run->glyphs = count;
+    run->width = static_cast<double>(x) / PANGO_SCALE * set->scale;
+    return true;
+}
+
+// A line of printable ASCII in one style needs nothing of Pango's analysis. False = it is none, or the font lacks a
+// glyph.
+static bool SetPlainLine(Typeset* set, TextThread* thread, const ZRGTypesetting& from, const Bytes& bytes) {
+    const ZRGTextStyle& style = from.styles[0];
+    if (from.breaking != kZRGNoBreaks || from.styleCount > 1 || !bytes.unitOf.empty() || style.spacing != 0 ||
+        from.direction == kZRGRightToLeft)
+        return false;
+    PangoFont* font = thread->FontOf(*style.font, ClampSize(style.font->size / set->scale));
+    if (!font) return false;
+    ShapePlain(thread, font, bytes.text, style.kerned);
+    ZRGTextRun run = {};
+    if (!TakeShaped(set, thread->buffer, &run)) {
+        set->glyphs.clear();
+        return false;
+    }
+    run.end = from.count;
+    run.font = FontNumber(set, thread, font);
+    const FaceMetrics& m = set->metrics[0];
+    run.ascent = m.ascent;
+    run.descent = m.descent;
+    run.leading = m.leading;
+    set->ownRuns.push_back(run);
+    set->ownLines.push_back({0, from.count, run.width, m.ascent, m.descent, m.leading, 0, 1, false});
+    return true;
+}
+
+static void SetByPango(Typeset* set, TextThread* thread, const ZRGTypesetting& from, const Bytes& bytes) {
+    bool marks = NeedsMarks(from);
+    if (from.direction != kZRGAsText)
+        pango_context_set_base_dir(thread->context,
+                                   from.direction == kZRGRightToLeft ? PANGO_DIRECTION_RTL : PANGO_DIRECTION_LTR);
+    Prepare(thread->layout, from, bytes, set->scale, marks);
+    auto lines = static_cast<size_t>(pango_layout_get_line_count(thread->layout));
+    set->ownLines.reserve(lines);
+    set->ownRuns.reserve(lines);
+    for (GSList* node = pango_layout_get_lines_readonly(thread->layout); node; node = node->next)
+        TakeLine(set, thread, from, bytes, marks, static_cast<PangoLayoutLine*>(node->data));
+    if (from.direction != kZRGAsText) pango_context_set_base_dir(thread->context, PANGO_DIRECTION_LTR);
+    for (size_t i = 0; i < set->ownLines.size(); ++i) {
+        ZRGTextLine& line = set->ownLines[i];
+        line.end = i + 1 < set->ownLines.size() ? set->ownLines[i + 1].start : from.count;
+        if (line.runCount == 0) GiveHeight(&line, from);
+        if (from.justify && i + 1 < set->ownLines.size()) Fill(set, &line, from.width);
+    }
+}
+
 static ZRGTypeset* SetText(const ZRGTypesetting* from) {
     if (from->count < 1 || from->count > kZRGMostUnits || from->styleCount < 1) return nullptr;
     if (from->breaking != kZRGNoBreaks && !(from->width > 0)) return nullptr;
@@ -369,24 +450,8 @@ static ZRGTypeset* SetText(const ZRGTypesetting* from) {
         auto set = std::make_unique<Typeset>();
         Bytes bytes = ToBytes(*from);
         set->scale = ScaleOf(*from, bytes);
-        bool marks = NeedsMarks(*from);
-        if (from->direction != kZRGAsText)
-            pango_context_set_base_dir(thread.context,
-                                       from->direction == kZRGRightToLeft ? PANGO_DIRECTION_RTL : PANGO_DIRECTION_LTR);
-        Prepare(thread.layout, *from, bytes, set->scale, marks);
-        int lines = pango_layout_get_line_count(thread.layout);
-        set->ownLines.reserve(static_cast<size_t>(lines));
-        set->ownRuns.reserve(static_cast<size_t>(lines));
         set->glyphs.reserve(bytes.text.size());
-        for (GSList* node = pango_layout_get_lines_readonly(thread.layout); node; node = node->next)
-            TakeLine(set.get(), &thread, *from, bytes, marks, static_cast<PangoLayoutLine*>(node->data));
-        if (from->direction != kZRGAsText) pango_context_set_base_dir(thread.context, PANGO_DIRECTION_LTR);
-        for (size_t i = 0; i < set->ownLines.size(); ++i) {
-            ZRGTextLine& line = set->ownLines[i];
-            line.end = i + 1 < set->ownLines.size() ? set->ownLines[i + 1].start : from->count;
-            if (line.runCount == 0) GiveHeight(&line, *from);
-            if (from->justify && i + 1 < set->ownLines.size()) Fill(set.get(), &line, from->width);
-        }
+        if (!SetPlainLine(set.get(), &thread, *from, bytes)) SetByPango(set.get(), &thread, *from, bytes);
         set->lines = set->ownLines.data();
         set->lineCount = static_cast<long>(set->ownLines.size());
         set->runs = set->ownRuns.data();
