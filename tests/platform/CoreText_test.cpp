@@ -369,6 +369,34 @@ TEST(CTLine, VeryLongInALargeFont_DoesNotWrapAround) {
     EXPECT_NEAR(Line(tabs).Width(), 2.8e6, 100);
 }
 
+// A line of printable ASCII in one style takes a short way. A unit without width behind it takes the long one.
+TEST(CTLine, PlainText_IsSetAsAllOtherText) {
+    unsigned seed = 1;
+    auto random = [&](unsigned n) { return (seed = seed * 1664525 + 1013904223) / 65536 % n; };
+    for (int round = 0; round < 600; ++round) {
+        static const char* const kFonts[] = {"Arial", "Times New Roman", "Courier New", "DejaVu Sans", "DejaVu Serif"};
+        Looks looks = {.font = kFonts[round % 5], .size = 5.0 + random(40)};
+        if (round % 3 == 0) looks.kern = 0;
+        std::u16string text;
+        for (unsigned i = random(40) + 1; i > 0; --i)
+            text += static_cast<char16_t>(round % 4 == 0 ? ' ' + random(33) : ' ' + random(95));
+        if (round % 7 == 0) text += u"ffi fi AVA";
+        Line fast(text, looks), plain(text + u'\n', looks);
+        ASSERT_NEAR(fast.Width(), plain.Width(), 1e-6) << round;
+        CGFloat a, d, l, pa, pd, pl;
+        CTLineGetTypographicBounds(fast, &a, &d, &l);
+        CTLineGetTypographicBounds(plain, &pa, &pd, &pl);
+        ASSERT_TRUE(a == pa && d == pd && l == pl);
+        if (round % 10 > 0) continue;
+        Bitmap left(500, 80), right(500, 80);
+        CGContextSetTextPosition(left, 5, 30);
+        CGContextSetTextPosition(right, 5, 30);
+        CTLineDraw(fast, left);
+        CTLineDraw(plain, right);
+        ASSERT_EQ(left.Pixels(), right.Pixels()) << round;
+    }
+}
+
 TEST(CTLine, NullObjects_AnswerNeutrally) {
     EXPECT_EQ(CTLineCreateWithAttributedString(nullptr), nullptr);
     CGFloat ascent = 1;
