@@ -230,7 +230,7 @@ static int FontNumber(Typeset* set, TextThread* thread, PangoFont* font) {
 static long StyleOf(const PangoItem* item) {
     for (GSList* node = item->analysis.extra_attrs; node; node = node->next) {
         auto attribute = static_cast<PangoAttribute*>(node->data);
-        if (attribute->klass->type == StyleClass().type) return reinterpret_cast<StyleAttribute*>(attribute)->style;
+        if (attribute->klass == &StyleClass()) return reinterpret_cast<StyleAttribute*>(attribute)->style;
     }
     return 0;
 }
