@@ -18,6 +18,7 @@
 #include "graphics/ZR_API_Matrix.h"
 #include "graphics/ZR_API_MultiStyleText.h"
 #include "graphics/ZR_API_Path.h"
+#include "graphics/ZR_API_PictureCommands.h"
 #include "graphics/ZR_API_Region.h"
 #include "graphics/ZR_API_Rotation.h"
 #include "language/ZR_API_CodeStyle.h"
