@@ -103,7 +103,7 @@ double ZR_SVGPathParser::ReadNum() {
         point |= unit == '.';
         digits[n++] = static_cast<char>(unit);
     }
-    if (n == 0) error = ZR_PATH_BAD_NUMBER;
+    if (!error && n == 0) error = ZR_PATH_BAD_NUMBER;
     return error ? 0 : Number(digits, n);
 }
 
