@@ -20,6 +20,7 @@
 #include "graphics/ZR_API_Matrix.h"
 #include "graphics/ZR_API_MultiStyleText.h"
 #include "graphics/ZR_API_Path.h"
+#include "graphics/ZR_API_PictureCommands.h"
 #include "graphics/ZR_API_Region.h"
 #include "graphics/ZR_API_Rotation.h"
 #include "graphics/ZR_API_SVGDocument.h"
