@@ -45,7 +45,7 @@ enum CFKnownType : CFTypeID {
     kCTTypeFrame,
     kCTTypeLine,
     kCTTypeRun,
-    kNSTypeImage = 220,
+    kNSTypeImage = 300,
     kNSTypeBitmapImageRep
 };
 
