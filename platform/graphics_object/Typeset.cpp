@@ -269,7 +269,7 @@ static long StyleOf(const PangoItem* item, const ZRGTypesetting& from, long star
     }
     for (GSList* node = item->analysis.extra_attrs; node; node = node->next) {
         auto attribute = static_cast<PangoAttribute*>(node->data);
-        if (attribute->klass->type == StyleClass().type) return reinterpret_cast<StyleAttribute*>(attribute)->style;
+        if (attribute->klass == &StyleClass()) return reinterpret_cast<StyleAttribute*>(attribute)->style;
     }
     return 0;
 }
