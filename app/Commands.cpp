@@ -65,6 +65,16 @@ static constexpr OptionRow kCommandsOptions[] = {
     kHostVersion,
 };
 
+static constexpr OptionRow kPictureOptions[] = {
+    {"json", 0, nullptr, "info: print a JSON list with one object a file, and nothing else.", false, nullptr},
+    {"type", 't', "jpeg|png|bmp|gif|tiff", "convert: the format to write, instead of that of OUT's name.", false,
+     nullptr},
+    {"quality", 'q', "N", "convert: quality of a JPEG, 0 to 100 (100).", false, nullptr},
+    {"dpi", 0, "N",
+     "convert: resolution to write. PDF and SVG pictures are drawn at it (72); the pixels of others stay.", false,
+     nullptr},
+};
+
 static constexpr CommandRow kCommands[] = {
     {"run", "FILE", 1, 1, "Run a method.",
      "Runs the method in FILE, a text in UTF-8, or - for standard input. Every other *.4dm file in its folder is a "
@@ -88,6 +98,17 @@ static constexpr CommandRow kCommands[] = {
      "Lists every command that the host names, the keywords of the language and the private commands of the "
      "interpreter: number, name, whether the interpreter can run it, and whether it may run on a preemptive process.",
      kCommandsOptions, nullptr, ListCommands},
+    {"picture", "info|convert FILE...", 2, 1000, "Look at pictures and convert them.",
+     "zr picture info FILE... tells format, size in pixels (of PDF in points), resolution, the size in points that "
+     "follows from it, the types that 4D code sees, and how many bytes a file has.\n\n"
+     "zr picture convert FILE OUT writes the picture in the format of OUT's name: JPEG, PNG, BMP, GIF or TIFF. JPEG, "
+     "PNG, BMP, GIF, TIFF, PDF (its first page) and SVG are read. FILE and OUT may be - for standard input and "
+     "output; OUT then needs --type.\n\n"
+     "A file that is no picture, or a damaged one, ends with status 1.\n\n"
+     "  zr picture info photo.jpg --json\n"
+     "  zr picture convert photo.png photo.jpg --quality 80\n"
+     "  zr picture convert page.pdf page.png --dpi 150",
+     kPictureOptions, "info convert .jpg .jpeg .png .bmp .gif .tif .tiff .pdf .svg", WorkOnPicture},
     {"help", "[COMMAND]", 0, 1, "Explain a command.", "Explains a command, or lists them all.", {}, "help", ShowHelp},
     {"completion",
      "bash",

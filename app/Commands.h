@@ -9,6 +9,7 @@ namespace zrtool {
 int RunProgram(const Arguments& arguments);
 int TokenizeFile(const Arguments& arguments);
 int ListCommands(const Arguments& arguments);
+int WorkOnPicture(const Arguments& arguments);
 int ShowHelp(const Arguments& arguments);
 int ShowManual(const Arguments& arguments);
 int ShowCompletion(const Arguments& arguments);

@@ -1,5 +1,7 @@
 #include "app/Manual.h"
 
+#include <algorithm>
+
 #include "app/Commands.h"
 #include "app/Messages.h"
 #include "app/Output.h"
@@ -14,7 +16,7 @@ static constexpr struct {
     const char* meaning;
 } kExitStatus[] = {
     {kSuccess, "success"},
-    {kCodeFailed, "the 4D code failed"},
+    {kCodeFailed, "the 4D code or the document failed"},
     {kWrongUsage, "wrong usage, unreadable input or output that cannot be written"},
 };
 
@@ -183,9 +185,10 @@ static std::string Offer(const std::string& generator) {
 static std::string ValueOffer(std::string_view value) {
     if (value == "FILE") return Offer("-f");
     if (value == "DIR") return Offer("-d");
-    size_t bar = value.find('|');
-    if (bar == std::string_view::npos) return ":";
-    return Offer("-W \"" + std::string(value.substr(0, bar)) + " " + std::string(value.substr(bar + 1)) + "\"");
+    if (value.find('|') == std::string_view::npos) return ":";
+    std::string words(value);
+    std::replace(words.begin(), words.end(), '|', ' ');
+    return Offer("-W \"" + words + "\"");
 }
 
 static bool IsFirstOfName(const OptionRow& row) {
@@ -207,15 +210,16 @@ static void AppendValueCases(std::string& out, const CommandRow& command) {
 static void AppendArgumentCase(std::string& out, const CommandRow& command) {
     out += std::string("        ") + command.name + ")\n            options=\"" + OptionWords(command) + "\"\n";
     std::string_view offered = command.files ? command.files : "";
-    bool files = offered.starts_with('.');
-    if (files) out += "            folders=1\n";
+    std::string words, suffixes;
     while (!offered.empty()) {
         size_t end = offered.find(' ');
         std::string word(offered.substr(0, end));
         offered.remove_prefix(end == std::string_view::npos ? offered.size() : end + 1);
-        if (files) out += "            suffixes+=(" + word + ")\n";
-        else out += "            words=\"" + (word == "help" ? CommandWords() : word) + "\"\n";
+        if (word.starts_with('.')) suffixes += "            suffixes+=(" + word + ")\n";
+        else words += (words.empty() ? "" : " ") + (word == "help" ? CommandWords() : word);
     }
+    if (!suffixes.empty()) out += "            folders=1\n" + suffixes;
+    if (!words.empty()) out += "            words=\"" + words + "\"\n";
     out += "            ;;\n";
 }
 

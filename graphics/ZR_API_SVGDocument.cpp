@@ -306,8 +306,9 @@ void ZR_DOM_Tree::SetGradient(ZR_Text* element, ZR_Gradient* gradient) {
     if (!gradient || gradient->boundsType == ZR_GRADIENT_NONE || gradient->stops.count < 1) return;
     const bool userUnits = gradient->boundsType == ZR_GRADIENT_USER;
     char id[32], fill[48];
-    snprintf(id, sizeof id, "gradient%ld", ++gradientCount);
-    snprintf(fill, sizeof fill, "url(#%s)", id);
+    gradientCount++;
+    snprintf(id, sizeof id, "gradient%ld", gradientCount);
+    snprintf(fill, sizeof fill, "url(#gradient%ld)", gradientCount);
 
     ZR_Text definition;
     definition.Create();

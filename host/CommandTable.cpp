@@ -16,6 +16,7 @@
     X(commandsMessages)         \
     X(commandsObjects)          \
     X(commandsPictures)         \
+    X(commandsPictureEditing)   \
     X(commandsProcesses)        \
     X(commandsRecords)          \
     X(commandsStructure)        \

@@ -1,5 +1,6 @@
 # The stand-ins stand in libzr; what they need of a heavy library lies in objects beside it, opened on first use.
-zr_sources(ZR_PLATFORM_SOURCES platform/CoreGraphics platform/CoreText platform/ImageIO platform/HIShape platform/SVG)
+zr_sources(ZR_PLATFORM_SOURCES platform/CoreGraphics platform/CoreText platform/ImageIO platform/HIShape platform/SVG
+           platform/NativePicture platform/AppKit)
 target_sources(zr PRIVATE ${ZR_PLATFORM_SOURCES})
 
 # zr_object(NAME FOLDER TARGETS...): libNAME.so from the sources of a folder, in the folder of libzr.
@@ -22,6 +23,7 @@ zr_object(zr-graphics platform/graphics_object PkgConfig::CAIRO PkgConfig::TEXT 
 pkg_check_modules(QPDF REQUIRED IMPORTED_TARGET libqpdf)
 zr_object(zr-pdf platform/pdf_object PkgConfig::QPDF)
 target_compile_definitions(zr-pdf PRIVATE POINTERHOLDER_TRANSITION=4)
+set_target_properties(zr-pdf PROPERTIES CXX_STANDARD 17)  # clang does not take qpdf's headers as C++20
 
 pkg_check_modules(RSVG REQUIRED IMPORTED_TARGET librsvg-2.0)
 zr_object(zr-svg platform/svg_object PkgConfig::RSVG PkgConfig::CAIRO)

@@ -44,7 +44,9 @@ enum CFKnownType : CFTypeID {
     kCTTypeFramesetter,
     kCTTypeFrame,
     kCTTypeLine,
-    kCTTypeRun
+    kCTTypeRun,
+    kNSTypeImage = 300,
+    kNSTypeBitmapImageRep
 };
 
 struct __CFString : CFObject {

@@ -221,6 +221,6 @@ struct ZRGTable {
     void (*drawText)(ZRGCanvas*, const ZRGTypeset*, long run, const ZRGMatrix* matrix, const ZRGPaint*);
 };
 
-extern "C" const ZRGTable* ZRGraphicsGetTable();
+extern "C" const void* ZRGraphicsGetTable();  // the table
 
 #endif
