@@ -20,16 +20,23 @@ CGColorRef ZR_CreateTextColor(const ZR_RGBColor* color) {
                                    static_cast<double>(color->alpha));
 }
 
+static CFNumberRef UnderlineNumber(bool underlined) {  // borrowed
+    static const int kValues[] = {kCTUnderlineStyleNone, kCTUnderlineStyleSingle};
+    static const CFNumberRef numbers[] = {CFNumberCreate(nullptr, kCFNumberIntType, &kValues[0]),
+                                          CFNumberCreate(nullptr, kCFNumberIntType, &kValues[1])};
+    return numbers[underlined];
+}
+
 void ZR_SetFontAttributes(CFMutableAttributedStringRef string, CFRange range, const ZR_Font* font,
                           const ZR_RGBColor* color) {
-    int underline = font->style & kZRUnderline ? kCTUnderlineStyleSingle : kCTUnderlineStyleNone;
     CFAttributedStringSetAttribute(string, range, kCTFontAttributeName, font->ctFont);
     if (color) {
         CGColorRef made = ZR_CreateTextColor(color);
         CFAttributedStringSetAttribute(string, range, kCTForegroundColorAttributeName, made);
         CFRelease(made);
     }
-    SetNumber(string, range, kCTUnderlineStyleAttributeName, kCFNumberIntType, &underline);
+    CFAttributedStringSetAttribute(string, range, kCTUnderlineStyleAttributeName,
+                                   UnderlineNumber(font->style & kZRUnderline));
 }
 
 CFMutableAttributedStringRef ZR_CreateAttributedText(const ZR_Text* text, const ZR_Font* font,
@@ -82,8 +89,8 @@ static CGSize SizeAt(CTFramesetterRef framesetter, double width) {
 void ZR_MeasureFrame(CTFramesetterRef framesetter, ZR_Rect* rect, ZR_Textmeasuring measuring) {
     double width = measuring == ZR_TEXT_MEASURE ? static_cast<double>(rect->right - rect->left) : DBL_MAX;
     CGSize size = SizeAt(framesetter, width);
-    rect->right = static_cast<float>(static_cast<double>(rect->left) + size.width);
-    rect->bottom = static_cast<float>(static_cast<double>(rect->top) + size.height);
+    rect->right = ZR_NearestFloat(static_cast<double>(rect->left) + size.width);
+    rect->bottom = ZR_NearestFloat(static_cast<double>(rect->top) + size.height);
 }
 
 // The rectangle that the frame's lines run down from the top of.

@@ -728,6 +728,18 @@ TEST(CTLineDraw, Turned_RunsUp) {
     EXPECT_GE(ink.bottom, 20);
 }
 
+TEST(CTLineDraw, TextMatrix_IsApplied) {
+    Bitmap bitmap(120, 80);
+    CGContextSetTextMatrix(bitmap, {2, 0, 0, 2, 0, 0});
+    CGContextSetTextPosition(bitmap, 10, 20);
+    Line line(u"L", {.size = 20});
+    CTLineDraw(line, bitmap);
+    Extent ink = InkOf(bitmap);
+    EXPECT_NEAR(ink.bottom, 20, 1);
+    EXPECT_NEAR(ink.top, 20 + 1409.0 / 2048 * 40, 1.5);
+    EXPECT_NEAR(CGContextGetTextPosition(bitmap).x, 10 + 2 * line.Width(), 1e-6);
+}
+
 TEST(CTLineDraw, Underline_IsALineBelowTheBaseline) {
     Bitmap bitmap(200, 60);
     CGContextSetTextPosition(bitmap, 10, 30);
@@ -841,6 +853,27 @@ TEST(CTFrameDraw, OnALayerAndAPage_IsText) {
     CGPDFContextClose(page);
     EXPECT_NE(BytesOf(data).find("/FontFile"), std::string::npos) << "glyphs of a font, not pixels";
     EXPECT_EQ(BytesOf(data).find("/Subtype /Image"), std::string::npos);
+}
+
+TEST(CTFrameDraw, OnAPage_TextCanBeCopied) {
+    if (system("command -v pdftotext >/dev/null 2>&1") != 0) GTEST_SKIP() << "pdftotext is missing";
+    std::string path = testing::TempDir() + "/zr_text.pdf", text = testing::TempDir() + "/zr_text.txt";
+    Owned<CGContextRef> page = CGPDFContextCreateWithURL(FileURL(path), nullptr, nullptr);
+    CGPDFContextBeginPage(page, nullptr);
+    auto string =
+        Attributed(u"The office affair fi\x05E9\x05DC\x05D5\x05DD a\xD83D\xDE00z e\x0301", {.font = "DejaVu Sans"});
+    Frame frame(string, CGRectMake(50, 50, 400, 600));
+    CTFrameDraw(frame, page);
+    CGContextSetTextPosition(page, 50, 40);
+    CTLineDraw(Line(u"A plain office line", {.font = "DejaVu Serif"}), page);
+    CGPDFContextEndPage(page);
+    CGPDFContextClose(page);
+    ASSERT_EQ(system(("pdftotext '" + path + "' '" + text + "'").c_str()), 0);
+    std::ifstream file(text);
+    std::string found((std::istreambuf_iterator<char>(file)), {});
+    EXPECT_NE(found.find("The office affair"), std::string::npos) << found;
+    EXPECT_NE(found.find("A plain office line"), std::string::npos) << found;
+    EXPECT_NE(found.find("\u05E9\u05DC\u05D5\u05DD"), std::string::npos) << found;
 }
 
 // Threads and missing fonts ----------------------------------------------------------------------------------------
