@@ -13,6 +13,7 @@ namespace zrhost {
 namespace {
 
 constexpr size_t kNone = std::u16string_view::npos;
+constexpr size_t kMaximumTextUnits = size_t(1) << 30;
 
 // Values as text ---------------------------------------------------------------------------------------------------
 
@@ -171,11 +172,14 @@ void ReplaceString(CommandCall& call) {
     const std::u16string_view text = call.text(1), old = call.text(2), with = call.text(3);
     const size_t most = size_t(std::max(0, call.integer(4, INT32_MAX)));
     std::u16string out;
-    size_t at = 0;
+    size_t at = 0, done = 0;
     if (!old.empty() && most != 0)
         for (const Match& match : FindAllText(text, old, 0, exact, most)) {
             out.append(text.substr(at, match.at - at)).append(with);
             at = match.at + match.length;
+            // Guard: a short text can ask for a result that no memory holds.
+            const bool tooLong = out.size() + (text.size() - at) > kMaximumTextUnits;
+            if (tooLong || ((++done & 0xFFF) == 0 && call.interrupted())) return call.setOK(false);
         }
     call.setText(out.append(text.substr(at)));
 }

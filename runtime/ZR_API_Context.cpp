@@ -59,24 +59,39 @@ void ZR_ExecutionContext::Create(long newReference, ZR_Handle* commands) {
     processIndex.Create();
     interprocessIndex.Create();
     allowedIndex.Create(sizeof(int), 0);
+    allowedIndexed = 0;
     methodSource = nullptr;
     methodSourceData = nullptr;
     deadline = 0;
     stackReserve = ZR_STACK_RESERVE;
     maxCalls = 0;
-    linesUntilClock = 0;
     errorCalls.Create(sizeof(ZR_ErrorCall), 0);
+    deletedMethods.Create(sizeof(ZR_ExecutionMethod), 0);
     plainOnly = false;
     if (commands) FillAllowedCommands(this, commands);
 }
 
+static void DisposeMethods(ZR_Handle* methods) {
+    for (long i = 1; i <= methods->count; ++i) MethodAt(methods, i)->Dispose();
+    methods->Resize(0);
+}
+
+// While anything runs, a line of the method may be on its way: its tokens are kept until the last frame has ended.
+static void DisposeMethod(ZR_ExecutionContext* context, ZR_ExecutionMethod* method) {
+    char* kept = context->stacks.count ? context->deletedMethods.AppendGetPtr() : nullptr;
+    if (kept) memcpy(kept, static_cast<void*>(method), sizeof *method);
+    else method->Dispose();
+}
+
 void ZR_ExecutionContext::DeleteAllMethods() {
-    for (long i = 1; i <= methods.count; ++i) MethodAt(&methods, i)->Dispose();
+    for (long i = 1; i <= methods.count; ++i) DisposeMethod(this, MethodAt(&methods, i));
     methods.Dispose();
 }
 
 void ZR_ExecutionContext::Dispose() {
     DeleteAllMethods();
+    DisposeMethods(&deletedMethods);
+    deletedMethods.Dispose();
     lastErrorText.Dispose();
     result.Dispose();
     queryTexts.Dispose();
@@ -121,7 +136,7 @@ ZR_ExecutionMethod* ZR_ExecutionContext::GetMethodPtrByReference(long wanted) {
 bool ZR_ExecutionContext::DeleteMethodByID(long wanted) {
     for (long i = 1; i <= methods.count; ++i) {
         if (MethodAt(&methods, i)->reference != wanted) continue;
-        MethodAt(&methods, i)->Dispose();
+        DisposeMethod(this, MethodAt(&methods, i));
         methods.DeleteElement(i);
         return true;
     }
@@ -156,9 +171,7 @@ static bool RunLine(ZR_ExecutionContext* context, ZR_Executer_Stack* frame) {
         context->callback(context, -1, nullptr, nullptr, context->callbackData);  // may clear the error
     bool stepping = context->stepInto || context->stepOver;
     bool goesOn = frame->currentLine >= 1 && (!context->lastError || stepping);
-    if (!goesOn || context->abortRequested) return false;
-    context->UpdateDebugger();
-    return true;
+    return goesOn && !context->abortRequested;
 }
 
 void ZR_ExecutionContext::ExecuteMethod(ZR_Executer_Stack* frame, long startLine) {
@@ -169,14 +182,18 @@ void ZR_ExecutionContext::ExecuteMethod(ZR_Executer_Stack* frame, long startLine
     traceRequested = false;
     frame->currentLine = startLine < 1 ? 1 : startLine;
     ZR_Executer_Stack** slot = reinterpret_cast<ZR_Executer_Stack**>(stacks.AppendGetPtr());
-    if (!slot) return;
+    if (!slot) {
+        Fail(kErrorMemory);
+        return;
+    }
     *slot = frame;
     if (startLine < 1) {
-        while (RunLine(this, frame)) {}
+        while (RunLine(this, frame)) UpdateDebugger();
     } else {
         RunLine(this, frame);
     }
     if (stacks.count) stacks.Resize(stacks.count - 1);
+    if (!stacks.count) DisposeMethods(&deletedMethods);
     CloseDebuggerIfNecessary();
 }
 
@@ -266,31 +283,44 @@ bool ZR_ExecutionContext::CheckDepth() {
 }
 
 bool ZR_ExecutionContext::CheckDeadline() {
-    if (deadline <= 0 || --linesUntilClock > 0) return true;
-    linesUntilClock = 64;
-    if (ZR_MonotonicSeconds() < deadline) return true;
-    linesUntilClock = 0;
+    if (deadline <= 0 || ZR_CoarseSeconds() < deadline) return true;
     Fail(kErrorTimeLimit);
     return false;
 }
 
 // Allowed commands -------------------------------------------------------------------------------------------------
 
-// Row of a command number in the list, [1..], through an index that is made on first use. The list itself only changes
-// in its flags.
-ZR_AllowedCommand* ZR_ExecutionContext::Search4DCommandForExecution(long id) {
-    if (id < 0 || id > 50000) return nullptr;
-    if (!allowedIndex.count && allowedCommands.count) {
-        allowedIndex.Resize(50001);
-        if (allowedIndex.count) memset(allowedIndex.data, 0, static_cast<size_t>(allowedIndex.count) * sizeof(int));
-        for (long i = allowedCommands.count; i >= 1 && allowedIndex.count; --i) {
-            long at = reinterpret_cast<ZR_AllowedCommand*>(allowedCommands.GetMemPtr(i))->id;
-            if (at >= 0 && at <= 50000) reinterpret_cast<int*>(allowedIndex.data)[at] = static_cast<int>(i);
-        }
+enum { kIndexedCommands = 50000 };
+
+static ZR_AllowedCommand* AllowedAt(ZR_Handle* list, long row) {
+    return reinterpret_cast<ZR_AllowedCommand*>(list->GetMemPtr(row));
+}
+
+// The first row of each command number, [1..count]; 0 = none. Worked out again when the list has another length.
+static void IndexAllowed(ZR_ExecutionContext* context) {
+    ZR_Handle* index = &context->allowedIndex;
+    context->allowedIndexed = context->allowedCommands.count;
+    index->Resize(0);
+    index->Resize(kIndexedCommands + 1);
+    if (!index->count) return;
+    memset(index->data, 0, static_cast<size_t>(index->count) * sizeof(int));
+    for (long i = context->allowedCommands.count; i >= 1; --i) {
+        long id = AllowedAt(&context->allowedCommands, i)->id;
+        if (id >= 0 && id <= kIndexedCommands) reinterpret_cast<int*>(index->data)[id] = static_cast<int>(i);
     }
-    if (!allowedIndex.count) return nullptr;
-    long row = reinterpret_cast<int*>(allowedIndex.data)[id];
-    return reinterpret_cast<ZR_AllowedCommand*>(allowedCommands.GetMemPtr(row));
+}
+
+ZR_AllowedCommand* ZR_ExecutionContext::Search4DCommandForExecution(long id) {
+    if (allowedIndexed != allowedCommands.count) IndexAllowed(this);
+    if (id >= 0 && id < allowedIndex.count) {
+        long row = reinterpret_cast<int*>(allowedIndex.data)[id];
+        if (!row) return nullptr;
+        ZR_AllowedCommand* record = AllowedAt(&allowedCommands, row);
+        if (record && record->id == id) return record;
+    }
+    for (long i = 1; i <= allowedCommands.count; ++i)
+        if (AllowedAt(&allowedCommands, i)->id == id) return AllowedAt(&allowedCommands, i);
+    return nullptr;
 }
 
 static void SetAllowedOfRange(ZR_Handle* list, bool allowed) {

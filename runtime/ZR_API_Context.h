@@ -70,13 +70,14 @@ struct ZR_ExecutionContext {
     void* debuggerWindow;
     // What the guards and the indexes need.
     ZR_VariableIndex processIndex, interprocessIndex;
-    ZR_Handle allowedIndex;  // of int: record of command N in allowedCommands, [1..], 0 = none
+    ZR_Handle allowedIndex;    // of int: record of command N in allowedCommands, [1..], 0 = none
+    long allowedIndexed;       // length of allowedCommands when the index was made
+    ZR_Handle deletedMethods;  // of ZR_ExecutionMethod: deleted while something ran, kept until nothing does
     ZR_MethodSource methodSource;
     void* methodSourceData;
     double deadline;       // monotonic seconds, 0 = none
     long stackReserve;     // bytes of native stack that a call must leave
     long maxCalls;         // 0 = as deep as the native stack allows
-    long linesUntilClock;  // lines until the deadline is looked at again
     ZR_Handle errorCalls;  // of ZR_ErrorCall: where every active call stood at the last SetError, innermost first
     bool plainOnly;        // run every line in its plain form, for comparing with the prepared one
 

@@ -79,16 +79,17 @@ static long WaitForUser(ZR_ExecutionContext* context) {
     return answer;
 }
 
+// Where the window stands; a side that comes back as another kind gives 0.
 static void NoteRectangle(ZR_ExecutionContext* context) {
+    ZR_Rect* where = &context->debuggerRect;
+    float* sides[] = {&where->left, &where->top, &where->right, &where->bottom};
     PA_Variable arguments[5];
     for (PA_Variable& argument : arguments) argument = PA_CreateVariable(eVK_Longint);
     PA_SetLongintVariable(&arguments[4], static_cast<int>(reinterpret_cast<long>(context->debuggerWindow)));
     PA_Variable answer = PA_ExecuteCommandByID(443, arguments, 5);
-    if (PA_GetLastError() == 0)
-        context->debuggerRect = {static_cast<float>(PA_GetLongintVariable(&arguments[1])),
-                                 static_cast<float>(PA_GetLongintVariable(&arguments[0])),
-                                 static_cast<float>(PA_GetLongintVariable(&arguments[2])),
-                                 static_cast<float>(PA_GetLongintVariable(&arguments[3]))};
+    for (int i = 0; i < 4; ++i)
+        *sides[i] = arguments[i].fType == eVK_Longint ? static_cast<float>(PA_GetLongintVariable(&arguments[i])) : 0;
+    for (PA_Variable& argument : arguments) PA_ClearVariable(&argument);
     PA_ClearVariable(&answer);
 }
 

@@ -1,6 +1,7 @@
 // Expressions: a run of tokens without brackets is folded from left to right into one value. There is no precedence;
 // a block holds at most one comparison, which splits it in two.
 
+#include <climits>
 #include <cmath>
 
 #include "plugin/ZR_API_Bridge.h"
@@ -111,27 +112,49 @@ ZR_EXE_VariableKind zrExe_DeclaredKind(long commandID) {
     return ZR_EXE_Undefined;
 }
 
-// The brackets of an index at or behind a position, and the number between them. False = no such brackets, or an error.
-struct IndexBrackets {
-    long open, close;
-    const ZR_ErrorWords* noNumber;
+// Where a token of a kind stands next. A pass over a block asks with rising positions, so the answer holds until the
+// pass is behind it, and a block of any length is searched once.
+struct NextOfKind {
+    long kind, found;  // found: 0 = not asked yet
+
+    long From(ZR_Handle* tokens, long position) {
+        if (found >= position) return found;
+        long at = zrExe_GetTokenPosByType(tokens, kind, position);
+        return found = at ? at : LONG_MAX;  // LONG_MAX = none
+    }
 };
 
-static bool FindIndex(ZR_Handle* tokens, long from, long openKind, long closeKind, IndexBrackets* brackets) {
-    brackets->open = zrExe_GetTokenPosByType(tokens, openKind, from);
-    brackets->close = brackets->open ? zrExe_GetTokenPosByType(tokens, closeKind, from) : 0;
-    return brackets->open && brackets->close > brackets->open;
-}
+// The brackets of an index: the first pair behind a variable, anywhere in the rest of the block.
+struct IndexBrackets {
+    NextOfKind opens, closes;
+    const ZR_ErrorWords* noNumber;
+    long open, close;
 
+    bool Find(ZR_Handle* tokens, long from) {
+        open = opens.From(tokens, from);
+        close = open == LONG_MAX ? LONG_MAX : closes.From(tokens, from);
+        return close != LONG_MAX && close > open;
+    }
+};
+
+// What a pass over a block carries along.
+struct Pass {
+    unsigned short formula = '+';
+    long logic = 0;
+    IndexBrackets text = {{ZREXE_TOKEN_INDEX_OPEN, 0}, {ZREXE_TOKEN_INDEX_CLOSE, 0}, &kErrorStringIndex, 0, 0};
+    IndexBrackets element = {{ZREXE_TOKEN_ELEMENT_OPEN, 0}, {ZREXE_TOKEN_ELEMENT_CLOSE, 0}, &kErrorArrayIndex, 0, 0};
+};
+
+// The number between the brackets. False = no number, and the error is set.
 static bool EvaluateIndex(ZR_ExecutionContext* context, ZR_Handle* tokens, const IndexBrackets& brackets, long* index) {
     ZR_Executer_Token value;
     zrExe_CreateEmptyToken(&value);
     zrExe_EvaluateSlice(context, tokens, brackets.open + 1, brackets.close - 1, &value);
     bool number = value.kind == ZREXE_TOKEN_NUMBER;
     if (number) *index = zrExe_Truncate(value.GetNumber());
-    else context->Fail(*brackets.noNumber);
+    else if (!zrExe_IsGuardError(context->lastError)) context->Fail(*brackets.noNumber);
     value.Dispose();
-    return number && !context->lastError;
+    return number && !zrExe_IsGuardError(context->lastError);
 }
 
 static void FoldPlainVariable(ZR_ExecutionContext* context, ZR_Executer_Variable* variable, ZR_Executer_Token* value,
@@ -156,12 +179,17 @@ static void FoldPlainVariable(ZR_ExecutionContext* context, ZR_Executer_Variable
     }
 }
 
+// The name in the variable's own spelling, which the code need not keep to.
+static ZR_Text* NameOf(ZR_Executer_Variable* variable, ZR_Executer_Token* token) {
+    return variable ? &variable->name : token->GetText();
+}
+
 // s[[i]]; the brackets may stand anywhere behind the variable. The position behind what was used.
 static long FoldTextVariable(ZR_ExecutionContext* context, ZR_Handle* tokens, long at, ZR_Executer_Variable* variable,
-                             ZR_Executer_Token* value, unsigned short formula) {
-    IndexBrackets brackets = {0, 0, &kErrorStringIndex};
-    if (!FindIndex(tokens, at + 1, ZREXE_TOKEN_INDEX_OPEN, ZREXE_TOKEN_INDEX_CLOSE, &brackets)) {
-        context->ExecuteTokenizedBlockText(&variable->text, value, formula);
+                             ZR_Executer_Token* value, Pass* pass) {
+    IndexBrackets& brackets = pass->text;
+    if (!brackets.Find(tokens, at + 1)) {
+        context->ExecuteTokenizedBlockText(&variable->text, value, pass->formula);
         return at + 1;
     }
     ZR_Executer_Token* token = zrExe_TokenAt(tokens, at);
@@ -169,16 +197,13 @@ static long FoldTextVariable(ZR_ExecutionContext* context, ZR_Handle* tokens, lo
     if (!EvaluateIndex(context, tokens, brackets, &index)) return brackets.close + 1;
     variable = context->GetVariableFromToken(token, /*create*/ false);  // the index may have called a method
     if (!variable || index < 1 || index > variable->text.count) {
-        ZR_Text name;
-        name.Create(token->GetText());
-        context->Fail(kErrorStringBounds, &name, index, variable ? variable->text.count : 0);
-        name.Dispose();
+        context->Fail(kErrorStringBounds, NameOf(variable, token), index, variable ? variable->text.count : 0);
         return brackets.close + 1;
     }
     ZR_Text unit;
     unit.Create(static_cast<ZR_Text*>(nullptr));
     variable->text.Substring(&unit, index - 1, index - 1);
-    context->ExecuteTokenizedBlockText(&unit, value, formula);
+    context->ExecuteTokenizedBlockText(&unit, value, pass->formula);
     unit.Dispose();
     return brackets.close + 1;
 }
@@ -190,24 +215,24 @@ static bool FoldsAsElement(int kind) {
 
 // a{i}
 static long FoldArrayVariable(ZR_ExecutionContext* context, ZR_Handle* tokens, long at, ZR_Executer_Token* value,
-                              unsigned short formula, long logic) {
-    IndexBrackets brackets = {0, 0, &kErrorArrayIndex};
-    if (!FindIndex(tokens, at + 1, ZREXE_TOKEN_ELEMENT_OPEN, ZREXE_TOKEN_ELEMENT_CLOSE, &brackets)) return at + 1;
+                              Pass* pass) {
+    IndexBrackets& brackets = pass->element;
+    if (!brackets.Find(tokens, at + 1)) return at + 1;
     ZR_Executer_Token* token = zrExe_TokenAt(tokens, at);
     long index;
     if (!EvaluateIndex(context, tokens, brackets, &index)) return brackets.close + 1;
     ZR_Executer_Variable* array = context->GetVariableFromToken(token, /*create*/ false);
     ZR_Executer_Variable* element = array ? array->GetVariablePtrFromArrayByIndex(index) : nullptr;
     if (!element) {
-        context->Fail(kErrorArrayBounds, token->GetText(), index, array ? array->elements.count : 0);
+        context->Fail(kErrorArrayBounds, NameOf(array, token), index, array ? array->elements.count : 0);
     } else if (FoldsAsElement(element->kind)) {
-        FoldPlainVariable(context, element, value, formula, logic);
+        FoldPlainVariable(context, element, value, pass->formula, pass->logic);
     }
     return brackets.close + 1;
 }
 
-static long FoldVariable(ZR_ExecutionContext* context, ZR_Handle* tokens, long at, ZR_Executer_Token* value,
-                         unsigned short formula, long logic, long commandID) {
+static long FoldVariable(ZR_ExecutionContext* context, ZR_Handle* tokens, long at, ZR_Executer_Token* value, Pass* pass,
+                         long commandID) {
     ZR_Executer_Token* token = zrExe_TokenAt(tokens, at);
     ZR_EXE_VariableKind declared = commandID ? zrExe_DeclaredKind(commandID) : ZR_EXE_Undefined;
     if (declared != ZR_EXE_Undefined) {
@@ -219,9 +244,9 @@ static long FoldVariable(ZR_ExecutionContext* context, ZR_Handle* tokens, long a
         context->Fail(kErrorUnknownVariable, token->GetVariableName());
         return at + 1;
     }
-    if (variable->kind == ZR_EXE_Text) return FoldTextVariable(context, tokens, at, variable, value, formula);
-    if (variable->IsArray()) return FoldArrayVariable(context, tokens, at, value, formula, logic);
-    FoldPlainVariable(context, variable, value, formula, logic);
+    if (variable->kind == ZR_EXE_Text) return FoldTextVariable(context, tokens, at, variable, value, pass);
+    if (variable->IsArray()) return FoldArrayVariable(context, tokens, at, value, pass);
+    FoldPlainVariable(context, variable, value, pass->formula, pass->logic);
     return at + 1;
 }
 
@@ -271,8 +296,9 @@ static void FoldFieldToken(ZR_ExecutionContext* context, ZR_Executer_Token* toke
 }
 
 void ZR_ExecutionContext::ExecuteTokenizedBlockSub(ZR_Executer_Token* value, ZR_Handle* tokens, long commandID) {
-    unsigned short formula = '+';
-    long logic = 0;
+    Pass pass;
+    const unsigned short& formula = pass.formula;
+    const long& logic = pass.logic;
     ZR_Date date;
     for (long at = 1; at <= tokens->count && !lastError;) {
         ZR_Executer_Token* token = zrExe_TokenAt(tokens, at);
@@ -283,13 +309,11 @@ void ZR_ExecutionContext::ExecuteTokenizedBlockSub(ZR_Executer_Token* value, ZR_
             case ZREXE_TOKEN_TIME:
                 ExecuteTokenizedBlockTime(static_cast<int>(token->value.integer), value, formula);
                 break;
-            case ZREXE_TOKEN_FORMULA: formula = token->GetFormula(); break;
-            case ZREXE_TOKEN_LOGIC: logic = token->GetOperation(); break;
+            case ZREXE_TOKEN_FORMULA: pass.formula = token->GetFormula(); break;
+            case ZREXE_TOKEN_LOGIC: pass.logic = token->GetOperation(); break;
             case ZREXE_TOKEN_VARIABLE:
             case ZREXE_TOKEN_LOCAL:
-            case ZREXE_TOKEN_INTERPROCESS:
-                next = FoldVariable(this, tokens, at, value, formula, logic, commandID);
-                break;
+            case ZREXE_TOKEN_INTERPROCESS: next = FoldVariable(this, tokens, at, value, &pass, commandID); break;
             case ZREXE_TOKEN_POINTER: ExecuteTokenizedBlockPointer(token, value); break;
             case ZREXE_TOKEN_STRING: ExecuteTokenizedBlockText(token->GetText(), value, formula); break;
             case ZREXE_TOKEN_COMMAND: ExecuteTokenizedBlock4DCommand(token->value.integer, value, formula); break;

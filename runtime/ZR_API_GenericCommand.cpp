@@ -82,7 +82,12 @@ static PA_Variable TableOrFieldParameter(ZR_Executer_Token* token, bool* ok) {
 
 // A copy of a query's text that lives as long as the context.
 static PA_Variable KeptText(ZR_ExecutionContext* context, ZR_Executer_Token* token) {
+    long before = context->queryTexts.count;
     context->queryTexts.Append(token->GetText());
+    if (context->queryTexts.count == before) {
+        context->Fail(kErrorMemory);
+        return Undefined();
+    }
     return context->queryTexts.GetTextPtr(context->queryTexts.count)->CreateVariable();
 }
 
@@ -168,7 +173,8 @@ static bool IsPartialQuery(long id, ZR_Handle* parameters) {
 bool ZR_ExecutionContext::ExecuteGenericCommand(long id, ZR_Text* methodName, ZR_Handle* parameters,
                                                 ZR_Executer_Token* answer) {
     short count = CountOf(parameters);
-    if (count <= 0) {  // guard: a count that wrapped below 0 counts as none
+    if (count < 0) return false;  // guard: more than 32,767 parameters wrap below 0
+    if (count == 0) {
         PA_Variable value = Call(id, methodName, nullptr, 0);
         TakeAnswer(&value, answer);
         return true;
@@ -193,7 +199,7 @@ bool ZR_ExecutionContext::ExecuteGenericObjectMemberFunction(ZR_Text* name, ZR_H
     if (!object->objectRef) return true;
     bool ok = true;
     short count = CountOf(parameters);
-    if (count < 0) count = 0;
+    if (count < 0) return false;  // guard: more than 32,767 parameters wrap below 0
     PA_Variable* records = AllocateRecords(static_cast<short>(count ? count : 1));
     if (!records) return false;
     for (short i = 0; i < count; ++i) {

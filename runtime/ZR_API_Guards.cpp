@@ -9,14 +9,18 @@
 
 #include "core/ZR_API_Handle.h"
 
+static const long kUnknownStack = 256L << 10;  // taken to be left where the system cannot tell
+static const long kLargestStack = 256L << 20;  // used at most, however large the stack may be, or without a limit
+
 static char* LowestStackAddress() {
+    char* here = static_cast<char*>(__builtin_frame_address(0));
     pthread_attr_t attributes;
     void* lowest = nullptr;
     size_t size = 0;
-    if (pthread_getattr_np(pthread_self(), &attributes) != 0) return nullptr;
+    if (pthread_getattr_np(pthread_self(), &attributes) != 0) return here - kUnknownStack;
     pthread_attr_getstack(&attributes, &lowest, &size);
     pthread_attr_destroy(&attributes);
-    return static_cast<char*>(lowest);
+    return here - static_cast<char*>(lowest) > kLargestStack ? here - kLargestStack : static_cast<char*>(lowest);
 }
 
 long ZR_NativeStackLeft() {
@@ -39,8 +43,12 @@ bool ZR_MemoryAllows(long moreBytes) {
     return moreBytes <= limit && ZR_MEMORY_BYTES.load(std::memory_order_relaxed) <= limit - moreBytes;
 }
 
-double ZR_MonotonicSeconds() {
+static double Seconds(clockid_t clock) {
     timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
+    clock_gettime(clock, &now);
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
+
+double ZR_MonotonicSeconds() { return Seconds(CLOCK_MONOTONIC); }
+
+double ZR_CoarseSeconds() { return Seconds(CLOCK_MONOTONIC_COARSE); }

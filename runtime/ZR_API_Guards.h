@@ -15,5 +15,6 @@ inline constexpr long ZR_SMALL_BYTES = 1 << 20;
 
 long ZR_NativeStackLeft();     // bytes between here and the end of this thread's stack
 double ZR_MonotonicSeconds();  // for deadlines
+double ZR_CoarseSeconds();     // the same clock, some milliseconds behind, at a fraction of the cost
 
 #endif

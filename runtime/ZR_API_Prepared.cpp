@@ -512,6 +512,8 @@ static ZR_EXE_VariableKind VariableKindOf(int tokenKind) {
     return ZR_EXE_Undefined;
 }
 
+static const long kKeptUnits = 1 << 16;
+
 // Gives a fresh variable, or one of a fitting kind, a quick value. False = the kinds do not fit.
 static bool StoreValue(ZR_Executer_Variable* variable, QuickValue* value) {
     switch (value->kind) {
@@ -529,6 +531,9 @@ static bool StoreValue(ZR_Executer_Variable* variable, QuickValue* value) {
                 value->owned = false;
                 Clear(value);
             } else if (value->text != &variable->text) {
+                // A large block is kept for texts of about its size, and not for ever for a small one.
+                if (variable->text.capacity > kKeptUnits && variable->text.capacity / 4 > value->text->count)
+                    variable->text.Dispose();
                 variable->text.Resize(0);
                 variable->text.AddText(value->text);
             }
@@ -692,6 +697,7 @@ static Outcome RunExpression(Run* run, ZR_Executer_Token* result) {
         if (temp->kind == ZREXE_TOKEN_OTHER) return kDone;
         if (temp->kind == ZREXE_TOKEN_NULL) return kHandOver;
         result->Dispose();
+        if (temp->kind == ZREXE_TOKEN_TIME) temp->integer = static_cast<int>(temp->integer);  // as a block takes a time
         MoveToToken(temp, result);
         return kDone;
     }

@@ -137,7 +137,6 @@ void ZR_ExecutionContext::HandleCaseOf(ZR_ExecutionMethod* method, ZR_Executer_S
 
 // Arrows -----------------------------------------------------------------------------------------------------------
 
-
 // Gives a token another kind and text. The text is copied first: it may be the token's own.
 static void ReplaceToken(ZR_Executer_Token* token, ZREXE_TOKEN kind, ZR_Text* text, long value) {
     ZR_Text copy;

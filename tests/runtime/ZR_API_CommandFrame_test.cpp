@@ -281,6 +281,23 @@ class LongintArray : public HostValue {
 
 }  // namespace
 
+TEST(AllowedCommands, RecordsAppendedOrOfHighNumbers_Found) {
+    Program program;
+    EXPECT_EQ(program->Search4DCommandForExecution(1999), nullptr);
+    EXPECT_EQ(program->Search4DCommandForExecution(70000), nullptr);
+    for (long id : {1999L, 70000L, -3L}) {
+        ZR_AllowedCommand* record = reinterpret_cast<ZR_AllowedCommand*>(program->allowedCommands.AppendGetPtr());
+        *record = {};
+        record->id = static_cast<int>(id);
+    }
+    for (long id : {1999L, 70000L, -3L, 41L}) {
+        ZR_AllowedCommand* record = program->Search4DCommandForExecution(id);
+        ASSERT_NE(record, nullptr) << id;
+        EXPECT_EQ(record->id, id);
+        EXPECT_EQ(record->allowed, id == 41);
+    }
+}
+
 TEST(AllowedCommands, Modes) {
     Program program;
     LongintArray all = {}, some = {41, 10, 9999, -5, 30001}, now = {};

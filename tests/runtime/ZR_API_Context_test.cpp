@@ -461,6 +461,7 @@ struct DialogHost {
     std::vector<std::string> events;
     size_t next = 0;
     int handle = 0;
+    bool sidesAreBooleans = false;  // the rectangle comes back as another kind
 
     DialogHost() {
         recorder.intercept = [this](int selector, EngineBlock* block) { return Serve(selector, block); };
@@ -483,6 +484,16 @@ struct DialogHost {
                 events.push_back(name() + "=" + Describe(*reinterpret_cast<PA_Variable*>(block->fParam1)));
                 return true;
             case ZR_SEL_CloseDialog: events.push_back("close"); return true;
+            case ZR_SEL_ExecuteCommand: {  // the window's rectangle
+                if (block->fParam3 != 443) return false;
+                PA_Variable** parameters = reinterpret_cast<PA_Variable**>(block->fParam1);
+                const int sides[] = {10, 20, 310, 220};
+                for (int i = 0; i < 4; i++) {
+                    parameters[i]->fType = sidesAreBooleans ? eVK_Boolean : eVK_Longint;
+                    parameters[i]->uValue.fLongint = sides[i];
+                }
+                return true;
+            }
             case ZR_SEL_ModalDialog: {
                 std::string button = next < buttons.size() ? buttons[next++] : "vl_resume";
                 events.push_back("> " + button);
@@ -569,6 +580,36 @@ TEST(Debugger, Trace_StopsAtTheNextLineIfEnabled) {
     }
 }
 
+TEST(Debugger, ErrorText_ShownBehindEveryLineOfAWholeRunAlone) {
+    for (long startLine : {0L, 1L}) {
+        Program program;
+        long reference = program.Add("", "a:=1\na:=2");
+        DialogHost host;
+        host.buttons = {"vl_step_into", "vl_step_into", "vl_step_into"};
+        program->breakAtStart = true;
+        program.Start(reference, startLine);
+        int shown = 0;
+        for (const std::string& event : host.events) shown += event.compare(0, 14, "vt_debug_error") == 0;
+        // At each of three stops and behind both lines; a single line stops once and tells of nothing behind it.
+        EXPECT_EQ(shown, startLine ? 1 : 5) << host.text();
+    }
+}
+
+TEST(Debugger, WindowRectangle_SideOfAnotherKindCountsAsZero) {
+    for (bool longints : {true, false}) {
+        Program program;
+        program->breakAtStart = true;
+        DialogHost host;
+        host.sidesAreBooleans = !longints;
+        program.Run("a:=1");
+        const ZR_Rect& where = program->debuggerRect;
+        EXPECT_EQ(where.left, longints ? 10 : 0);
+        EXPECT_EQ(where.top, longints ? 20 : 0);
+        EXPECT_EQ(where.right, longints ? 310 : 0);
+        EXPECT_EQ(where.bottom, longints ? 220 : 0);
+    }
+}
+
 TEST(Debugger, ErrorWhileStepping_ShownAtEveryStop) {
     Program program;
     program->breakAtStart = true;
@@ -651,6 +692,13 @@ TEST(ErrorTable, EveryRow_NumberAndWholeText) {
         {"ARRAY REAL($a;1)\n$r:=$a{\"x\"}", "-35@2 Array index must be a number"},
         {"ARRAY REAL($a;1)\n$a{\"x\"}:=1", "-35@2 Array index must be a number"},
         {"$s:=\"a\"\n$r:=$s[[\"x\"]]", "-35@2 String index must be a number"},
+        // The variable's own spelling, and the words of an index behind those of the error inside it.
+        {"ARRAY REAL($Ab;1)\n$r:=$aB{2}", "-36@2 Array access \"Ab\" not possible. Index: 2 Array size: 1"},
+        {"$Ab:=\"x\"\n$r:=$aB[[2]]", "-36@2 String access \"Ab\" not possible. Index: 2 String size: 1"},
+        {"$s:=\"x\"\n$r:=$s[[2/0]]", "-36@2 Division by zeroString access \"s\" not possible. Index: 2 String size: 1"},
+        {"ARRAY REAL($a;1)\n$r:=$a{2/0}",
+         "-36@2 Division by zeroArray access \"a\" not possible. Index: 2 Array size: 1"},
+        {"ARRAY REAL($a;1)\n$r:=$a{$gone}", "-35@2 Unknown Variable \"$gone\"Array index must be a number"},
         {"ARRAY REAL($a;1)\n$r:=$a{2}", "-36@2 Array access \"a\" not possible. Index: 2 Array size: 1"},
         {"ARRAY REAL($a;1)\n$a{2}:=1", "-36@2 Array access \"a\" not possible. Index: 2 Array size: 1"},
         {"$s:=\"a\"\n$r:=$s[[2]]", "-36@2 String access \"s\" not possible. Index: 2 String size: 1"},

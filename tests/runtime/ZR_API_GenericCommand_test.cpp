@@ -172,13 +172,18 @@ TEST(GenericParameters, Count_LowSixteenBits) {
         ASSERT_EQ(recorder.calls.size(), 1u) << count;
         EXPECT_EQ(static_cast<long>(recorder.calls[0].parameters.size()), count & 0xFFFF) << count;
     }
-    // A count whose low half is negative as 16 bits does no harm.
-    Program program;
-    Tokens tokens;
-    for (long i = 0; i < 40000; i++) tokens.Number(1);
-    Recorder recorder;
-    recorder.passOn = false;
-    program->ExecuteGenericCommand(kCommand, nullptr, tokens, nullptr);
+}
+
+TEST(GenericParameters, CountNegativeInSixteenBits_RefusedWithoutACall) {
+    for (long count : {32768L, 40000L, 65535L}) {
+        Program program;
+        Tokens tokens;
+        for (long i = 0; i < count; i++) tokens.Number(1);
+        Recorder recorder;
+        recorder.passOn = false;
+        EXPECT_FALSE(program->ExecuteGenericCommand(kCommand, nullptr, tokens, nullptr)) << count;
+        EXPECT_TRUE(recorder.calls.empty()) << count;
+    }
 }
 
 // Results and the way back -----------------------------------------------------------------------------------------

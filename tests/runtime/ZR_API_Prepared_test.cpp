@@ -459,6 +459,7 @@ TEST(Prepared, ChosenPrograms_RunAsPlainOnes) {
         "C_LONGINT($l)\nFor ($i;1;40)\n$l:=$l*3+2147483647\nEnd For",
         "For ($i;3;0;-1)\n$r:=6/$i\nEnd For\n$r:=6\\0\n$r:=6%0\n$r:=1/0",
         "$h:=?00:00:10?\nFor ($i;1;3)\n$h:=$h+$h\nEnd For\n$h:=$h/?00:00:00?",
+        "$h:=?100:00:00?\n($h*$h)\n$h*$h\n($h*$h)+?00:00:01?\nFor ($i;1;2)\n($h*$h)\nEnd For",  // beyond 32 bits
         // Kinds met in turn by one line.
         "ARRAY TEXT($t;2)\nARRAY REAL($n;2)\nFor ($i;1;2)\nIf ($i=1)\n$p:=->$t\nElse\n$p:=->$n\nEnd If\n$r:=Size of "
         "array($p->)\nEnd For",
