@@ -9,6 +9,7 @@ struct ZR_RGBColor {
     float alpha;                      // 0..1
 
     void SetAlphaProzent(float percent);       // clamped to 0..100
+    void Set4DIndex(long index);               // the host's colour number; [0..256), outside black; alpha 1
     void SetWebText(const ZR_Text* text);      // "rgb16(r,g,b)", "rgb16(r,g,b,a)", "#rgb", "#rrggbb" or a name
     void SetColorText(const ZR_Text* name);    // a name of the table, any case; else black; alpha 1
     void GetRGBWebtext(char* out) const;       // "#RRGGBB" of the high bytes and a zero byte: 8 bytes

@@ -21,8 +21,8 @@ struct ZR_GradientOffset {
 struct ZR_Gradient {
     float y1, x1, x2, y2;  // linear: start and end, in the order of a ZR_Rect. Radial: centre, and focal point (x2,
                            // y2), where (0, 0) is none of its own
-    float radius;   // radial only
-    bool isLinear;  // true after Create
+    float radius;          // radial only
+    bool isLinear;         // true after Create
     Gradient_Bounds_Type boundsType;
     ZR_Matrix matrix;  // identity after Create
     ZR_Handle stops;   // of ZR_GradientOffset; owned

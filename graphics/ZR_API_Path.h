@@ -49,6 +49,10 @@ void ZR_OffsetPathHandle(ZR_Handle* path, ZR_Point delta);
 void ZR_ScalePathHandle(ZR_Handle* path, const ZR_Rect* from, const ZR_Rect* to);  // an empty rectangle = nothing
 void ZR_GetPathBoundingBox(const ZR_Handle* path, ZR_Rect* out);                   // around control points too
 
+// The end points of all records, of any kind, as the points of a spline, flattened into lines: about one for every 4
+// points of a segment's longer side. smoothed is made anew. False = fewer than 3 records, smoothed is empty.
+bool ZR_CreateSmoothPath(const ZR_Handle* path, ZR_Handle* smoothed);
+
 // CGPath. device: a ZR_Device whose height flips y; null = height 0.
 typedef struct CGPath CGPath;
 CGPath* ZR_CreatePathFromHandle(const ZR_Handle* path, bool smooth, void* device);  // handed over; null = empty path

@@ -9,6 +9,7 @@
 #include "host/CommandCall.h"
 #include "host/Host_Private.h"
 #include "host/Memory.h"
+#include "host/Native.h"
 #include "host/Objects.h"
 #include "host/Pictures.h"
 #include "host/Text.h"
@@ -555,13 +556,16 @@ int16_t ServeGetPictureData(Block& block, Host*) {
     return ZR_ERR_NONE;
 }
 
-int16_t ServeNativePictureForScreen(Block& block, Host*) {  // nothing here draws
-    block.fParam2 = 0;
-    return ZR_ERR_NONE;
+int16_t ServeNativePictureForScreen(Block& block, Host*) {
+    Picture* picture = CheckedPicture(At<void>(block.fParam1));
+    block.fParam2 = picture ? Address(NativeImage(*picture)) : 0;
+    return Answer(picture || !block.fParam1);
 }
+
 int16_t ServeNativePictureForPrinting(Block& block, Host*) {
-    block.fParam2 = 0;
-    return ZR_ERR_NONE;
+    Picture* picture = CheckedPicture(At<void>(block.fParam1));
+    block.fParam2 = picture ? Address(NativeDocument(*picture)) : 0;
+    return Answer(picture || !block.fParam1);
 }
 
 // Processes --------------------------------------------------------------------------------------------------------

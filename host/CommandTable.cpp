@@ -16,11 +16,13 @@
     X(commandsMessages)         \
     X(commandsObjects)          \
     X(commandsPictures)         \
+    X(commandsPictureEditing)   \
     X(commandsProcesses)        \
     X(commandsRecords)          \
     X(commandsStructure)        \
     X(commandsSystem)           \
-    X(commandsText)
+    X(commandsText)             \
+    X(commandsXML)
 
 namespace zrhost {
 

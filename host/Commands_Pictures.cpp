@@ -1,10 +1,11 @@
-// Commands by number: Pictures, as far as they work on encoded bytes. Nothing is decoded or drawn here.
+// Commands by number: Pictures as encoded bytes, and their conversion.
 #include <algorithm>
 #include <filesystem>
 #include <map>
 
 #include "host/CommandCall.h"
 #include "host/Commands_Private.h"
+#include "host/Native.h"
 #include "host/Pictures.h"
 #include "host/Text.h"
 
@@ -21,6 +22,15 @@ const std::vector<uint8_t>* BytesAs(const Picture* picture, const std::string& w
     return nullptr;
 }
 
+// The same, encoded anew if the picture is in another type; empty = it cannot be made.
+std::vector<uint8_t> ConvertedTo(const Picture* picture, const std::string& wanted, double quality = 1) {
+    if (const std::vector<uint8_t>* bytes = BytesAs(picture, wanted)) return *bytes;
+    const PictureKind* kind = FindPictureKind(wanted);
+    if (!picture || !kind || !CanEncode(*kind)) return {};
+    const std::optional<Pixels> pixels = DecodePicture(*picture);
+    return pixels ? EncodePicture(*pixels, *kind, quality) : std::vector<uint8_t>();
+}
+
 // 356 Picture size(picture): bytes
 void PictureSizeOf(CommandCall& call) {
     const Picture* picture = call.picture(1);
@@ -29,8 +39,10 @@ void PictureSizeOf(CommandCall& call) {
 
 // 457 PICTURE PROPERTIES(picture; width; height; [hOffset]; [vOffset]; [mode])
 void PictureProperties(CommandCall& call) {
-    const std::vector<uint8_t>* bytes = BytesAs(call.picture(1), {});
-    const std::pair<int, int> size = bytes ? PictureSize(*bytes) : std::pair(0, 0);
+    const Picture* picture = call.picture(1);
+    const std::vector<uint8_t>* bytes = BytesAs(picture, {});
+    std::pair<int, int> size = bytes ? PictureSize(*bytes) : std::pair(0, 0);
+    if (bytes && (size.first == 0 || size.second == 0)) size = NativeSize(*picture);
     call.assignLongint(2, size.first);
     call.assignLongint(3, size.second);
     for (int i = 4; i <= std::min(6, call.count); ++i) call.assignLongint(i, 0);
@@ -48,13 +60,18 @@ void ReadPictureFile(CommandCall& call) {
     call.setOK(true);
 }
 
-// 680 WRITE PICTURE FILE(path; picture; [type]): as it is; a type that the picture is not in is refused, since nothing
-// is converted here.
+// 680 WRITE PICTURE FILE(path; picture; [type]): in the type, else in that of the file's name, else as it is.
 void WritePictureFile(CommandCall& call) {
     const std::string path = FullPath(call, 1);
-    const std::vector<uint8_t>* bytes = BytesAs(call.picture(2), call.utf8(3));
-    if (path.empty() || !bytes) return Finish(call, path.empty() ? int(kBadName) : int(ZR_ERR_PARAMETER));
-    const int error = WriteWholeFile(path, *bytes);
+    std::string type = call.utf8(3);
+    if (type.empty()) {
+        const std::string extension = std::filesystem::path(path).extension().string();
+        if (FindPictureKind(extension)) type = extension;
+    }
+    if (path.empty()) return Finish(call, kBadName);
+    const std::vector<uint8_t> bytes = ConvertedTo(call.picture(2), type);
+    if (bytes.empty()) return Finish(call, ZR_ERR_PARAMETER);
+    const int error = WriteWholeFile(path, bytes);
     if (error == 0) call.setDocument(FromUtf8(path));
     Finish(call, error);
 }
@@ -65,10 +82,16 @@ void BlobToPicture(CommandCall& call) {
     Finish(call, known && call.assignPicture(2, NewPicture(call.blob(1))) ? 0 : ZR_ERR_PARAMETER);
 }
 
-// 692 PICTURE TO BLOB(picture; blob; type): OK 0 if the picture is empty or not in the type
+// 692 PICTURE TO BLOB(picture; blob; type): OK 0 if the picture is empty or cannot be had in the type
 void PictureToBlob(CommandCall& call) {
-    const std::vector<uint8_t>* bytes = BytesAs(call.picture(1), call.utf8(3));
-    Finish(call, bytes && call.assignBlob(2, *bytes) ? 0 : ZR_ERR_PARAMETER);
+    const std::vector<uint8_t> bytes = ConvertedTo(call.picture(1), call.utf8(3));
+    Finish(call, !bytes.empty() && call.assignBlob(2, bytes) ? 0 : ZR_ERR_PARAMETER);
+}
+
+// 1002 CONVERT PICTURE(picture; type; [compression]): 0 = smallest, 1 = best; OK 0, and it stays, if it cannot be had
+void ConvertPicture(CommandCall& call) {
+    const std::vector<uint8_t> bytes = ConvertedTo(call.picture(1), call.utf8(2), call.number(3, 1));
+    Finish(call, !bytes.empty() && call.assignPicture(1, NewPicture(bytes)) ? 0 : ZR_ERR_PARAMETER);
 }
 
 // 1113 Is picture file(path; [*])
@@ -108,9 +131,9 @@ void PictureCodecList(CommandCall& call) {
 }
 
 constexpr CommandRow kRows[] = {
-    {356, PictureSizeOf},  {457, PictureProperties},  {678, ReadPictureFile},  {680, WritePictureFile},
-    {682, BlobToPicture},  {692, PictureToBlob},      {992, PictureCodecList}, {1113, IsPictureFile},
-    {1196, EqualPictures}, {1406, GetPictureFormats},
+    {356, PictureSizeOf},  {457, PictureProperties}, {678, ReadPictureFile},    {680, WritePictureFile},
+    {682, BlobToPicture},  {692, PictureToBlob},     {992, PictureCodecList},   {1002, ConvertPicture},
+    {1113, IsPictureFile}, {1196, EqualPictures},    {1406, GetPictureFormats},
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 # The stand-ins stand in libzr; what they need of a heavy library lies in objects beside it, opened on first use.
-zr_sources(ZR_PLATFORM_SOURCES platform/CoreGraphics platform/CoreText platform/ImageIO platform/HIShape platform/SVG)
+zr_sources(ZR_PLATFORM_SOURCES platform/CoreGraphics platform/CoreText platform/ImageIO platform/HIShape platform/SVG
+           platform/NativePicture platform/AppKit)
 target_sources(zr PRIVATE ${ZR_PLATFORM_SOURCES})
 
 # zr_object(NAME FOLDER TARGETS...): libNAME.so from the sources of a folder, in the folder of libzr.

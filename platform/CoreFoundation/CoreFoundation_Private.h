@@ -35,7 +35,9 @@ enum CFKnownType : CFTypeID {
     kCGTypePDFPage,
     kCGTypeImageSource,
     kCGTypeImageDestination,
-    kHITypeShape
+    kHITypeShape,
+    kNSTypeImage = 200,
+    kNSTypeBitmapImageRep
 };
 
 struct __CFString : CFObject {
