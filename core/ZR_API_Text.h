@@ -134,8 +134,39 @@ struct ZR_Text : ZR_Handle {
     void EncodeHTML();  // every unit that has an entity becomes its name, in place
     // The unit at *position becomes the name, with "&" and ";" around it if wrap; *position moves to its last unit.
     void AddEntity(long* position, const char* name, bool wrap);
+    // Quotes, & and angle brackets as names, units above 159 as numbers; destination is living and replaced.
+    void GetHTMLText(ZR_Text* destination) const;
+
+    // Matching: ZR_API_Text_Matching.cpp ---------------------------------------------------------------------------
+    // Of the first units of both, exact by unit. matrix: at least a row more than thisLength of a column more than
+    // otherLength, kept for the caller; null = made and freed. Beyond 2^32 cells the greater length.
+    long EditDistance(long thisLength, const ZR_Text* other, long otherLength, long** matrix) const;
+    // 0..100; two empty texts 0. Required: without caseSensitive both texts stay in upper case.
+    double PercentMatch(ZR_Text* other, bool caseSensitive, long** matrix);
+
+    // Base64: ZR_API_Text_Base64.cpp -------------------------------------------------------------------------------
+    void Encode(const ZR_Handle* source);  // appends the source's bytes, without line breaks
+    void Decode(ZR_Handle* destination);   // up to the first other character; destination is living and replaced
+
+    // Replacing: ZR_API_Text_Replace.cpp ---------------------------------------------------------------------------
+    // Every place in turn; null or empty replacement = taken out. Required: then the unit behind a place is passed
+    // over.
+    void Replace(const ZR_Text* search, const ZR_Text* replacement);
+    void Replace(const char* search, const char* replacement);
+    void Replace(const char* search, const ZR_Text* replacement);
+    void ReplaceChar(unsigned short from, unsigned short to);
+    void Filter(const ZR_Text* search);    // as Replace with nothing
+    void Filter(unsigned short unit);      // every one
+    ZR_Text CreateCSVConformText() const;  // in quotes, quotes doubled, if it holds " , ; CR or LF; handed over
 };
 static_assert(sizeof(ZR_Text) == 80, "a handle, a 20-byte record, a flag, a pointer");
+
+extern const char base64_chars[65];  // the alphabet of base64, by value, and a zero byte
+
+// The table of EditDistance: rows of columns cells, not cleared; null = refused. The rows must be those it was made
+// with.
+long** ZR_createMatrix(long rows, long columns);
+void ZR_killMatrix(long** matrix, long rows);  // null = nothing
 
 // Zero-terminated and Pascal strings -------------------------------------------------------------------------------
 long ZR_CStringLength(const char* string);                               // null = 0

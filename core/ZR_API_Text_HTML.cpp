@@ -70,6 +70,28 @@ static const char* EntityName(unsigned short unit) {  // null = none
     return row != std::end(kEntities) && row->unit == unit ? row->name : nullptr;
 }
 
+static constexpr unsigned short kLastPlainUnit = 159;  // of the light form
+
+void ZR_Text::GetHTMLText(ZR_Text* destination) const {
+    static constexpr long kGrowStep = 100;
+    if (!destination) return;
+    destination->Dispose();  // a text into itself is empty from here on
+    destination->Create();
+    destination->growStep = kGrowStep;
+    for (long i = 0, n = data ? count : 0; i < n; ++i) {
+        const unsigned short unit = Units()[i];
+        const char* name = unit == '"' || unit == '&' || unit == '<' || unit == '>' ? EntityName(unit) : nullptr;
+        if (!name && unit <= kLastPlainUnit) {
+            destination->AddUnit(unit);
+            continue;
+        }
+        destination->AddString(name ? "&" : "&#");
+        if (name) destination->AddString(name);
+        else destination->AddLong(unit);
+        destination->AddUnit(';');
+    }
+}
+
 static void AppendEntity(ZR_Text* text, const char* name, bool wrap) {
     if (wrap) text->AddUnit('&');
     text->AddString(name);

@@ -41,16 +41,20 @@ struct ZR_MultiStyleText {
     ZR_MultiStyleRun* GetNextRun(long position, long* index) const;  // *index: [1..count]; 0 = none
 
     // Styled text. A Create member: replaces what the structure held before without disposing it. plain is living and
-    // replaced. Required: styled is changed, its breaks become carriage returns. False = a span that cannot be read;
-    // what stands before it is kept.
+    // replaced. font, color null = the defaults. Required: styled is changed, its breaks become carriage returns.
+    // False = a span that cannot be read, or deeper than the bound; what stands before it is kept.
     bool CreateWith4DStyledText(ZR_Text* styled, ZR_Text* plain, ZR_Font* font, ZR_RGBColor* color);
+    // One level and the spans in it, from *position on, [1..count]; the nesting needs no native stack.
     bool ParseStyledText_loop2(ZR_Text* styled, ZR_Text* plain, long* position, ZR_MultiStyleRun* style, long* depth);
-    bool ParseStyle(ZR_Text* styled, ZR_MultiStyleRun* style, long* position);  // up to the next ">"; false = none
-    bool ParseStyle2(ZR_Text* styled, ZR_MultiStyleRun* style, long* position, long limit);  // true = moved on
+    // Properties up to the next ">", and on to behind it; false = no ">", nothing is read.
+    bool ParseStyle(ZR_Text* styled, ZR_MultiStyleRun* style, long* position);
+    // Each property once, in the order of their table; limit: position of the closing ">". True = *position moved on.
+    bool ParseStyle2(ZR_Text* styled, ZR_MultiStyleRun* style, long* position, long limit);
+    // A piece of styled, [1..count], appended to plain, with a run for it.
     void ParseWriteRun(long start, long end, ZR_Text* styled, ZR_Text* plain, ZR_MultiStyleRun* style);
 
     void Get4DStyledText(ZR_Text* plain, ZR_Text* out, short mode);  // replaces out; mode 1: span, other: tspan
-    void GetRTF(ZR_Text* plain, ZR_Text* out);                       // replaces out
+    void GetRTF(ZR_Text* plain, ZR_Text* out);                       // appends
 };
 
 #endif

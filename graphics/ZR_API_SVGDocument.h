@@ -18,11 +18,12 @@ enum : long {            // kinds of AppendChildNode
 };
 
 struct ZR_DOM_Tree {
-    ZR_Text root;        // reference of the root; owned
-    ZR_Text defs;        // reference of "defs", the root's first child: gradients and clip paths go here; owned
-    ZR_Handle clips;     // ZR_Rect; the clip rectangles made so far, their [1..count] is their number
-    long currentClip;    // number of the clip in force; 0 = none
-    long gradientCount;  // number of the last gradient id given
+    ZR_Text root;         // reference of the root; owned
+    ZR_Text defs;         // reference of "defs", the root's first child: gradients and clip paths go here; owned
+    ZR_Handle clips;      // ZR_Rect; the clip rectangles made so far, their [1..count] is their number
+    long currentClip;     // number of the clip in force; 0 = none
+    long gradientCount;   // number of the last gradient id given
+    ZR_Handle clipSlots;  // long; numbers of clips, placed by the hash of their rectangle; 0 = a free slot
 
     void Create(ZR_Text* rootName);
     void Create(const char* rootName);
@@ -51,8 +52,9 @@ struct ZR_DOM_Tree {
     void SetGradient(ZR_Text* element, ZR_Gradient* gradient);
 
     // Clips --------------------------------------------------------------------------------------------------------
-    bool GetCurrentClip(ZR_Rect* out);  // false = none, out is cleared
-    void Clip(ZR_Text* element);        // "clip-path" of the clip in force
+    void ClipRect(const ZR_Rect* rect);  // widened to whole points; an equal one is used again
+    bool GetCurrentClip(ZR_Rect* out);   // false = none, out is cleared
+    void Clip(ZR_Text* element);         // "clip-path" of the clip in force
 
     // Output; the document stays usable ----------------------------------------------------------------------------
     void ExportToVar(ZR_Handle* out);  // the bytes of the XML text replace what the living byte handle holds
