@@ -133,7 +133,7 @@ struct ZR_Device {
     void DrawTextLayout_SVG(ZR_Text* text, ZR_Rect* rect, ZR_Alignment alignment, ZR_Alignment_Vertical vertical,
                             void* font, ZR_RGBColor* color, bool antialias, ZR_Matrix* matrix, ZR_Handle* properties,
                             ZR_Textmeasuring measuring, bool clip, float lineSpacing);
-    void DrawStrikethroughText(CTFrame* frame, CGColor* color, float fontSize, ZR_Alignment alignment);
+    void DrawStrikethroughText(const CTFrame* frame, const CGColor* color, float fontSize, ZR_Alignment alignment);
 
     // Styled text: ZR_API_Device_MultiStyleText.cpp; runs is a ZR_MultiStyleText -------------------------------------
     void DrawMultiStyleText(ZR_Text* text, void* runs, ZR_Rect* rect, ZR_Alignment alignment,

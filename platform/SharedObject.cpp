@@ -16,8 +16,9 @@ struct ObjectRow {
     const char *purpose, *packages;
 };
 static constexpr ObjectRow kObjects[kZRObjectCount] = {
-    {"libzr-graphics.so", "ZRGraphicsGetTable", 1, "drawing and image formats",
-     "libcairo2 libpng16-16 libjpeg62-turbo libtiff6 libgif7"},
+    {"libzr-graphics.so", "ZRGraphicsGetTable", 2, "drawing, text and image formats",
+     "libcairo2 libpango-1.0-0 libpangocairo-1.0-0 libpangoft2-1.0-0 libharfbuzz0b libfontconfig1 fonts-liberation "
+     "libpng16-16 libjpeg62-turbo libtiff6 libgif7"},
     {"libzr-pdf.so", "ZRPDFGetTable", 1, "PDF documents", "libqpdf29"},
     {"libzr-pdfpaint.so", "ZRPDFPaintGetTable", 1, "painting PDF pages", "libpoppler-glib8"},
     {"libzr-svg.so", "ZRSVGGetTable", 1, "SVG pictures", "librsvg2-2"},

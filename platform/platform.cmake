@@ -16,8 +16,9 @@ endfunction()
 
 pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo cairo-pdf)
 pkg_check_modules(CODECS REQUIRED IMPORTED_TARGET libpng libjpeg libtiff-4)
+pkg_check_modules(TEXT REQUIRED IMPORTED_TARGET pangocairo pangoft2 harfbuzz fontconfig)
 find_package(GIF REQUIRED)
-zr_object(zr-graphics platform/graphics_object PkgConfig::CAIRO PkgConfig::CODECS GIF::GIF)
+zr_object(zr-graphics platform/graphics_object PkgConfig::CAIRO PkgConfig::TEXT PkgConfig::CODECS GIF::GIF)
 
 pkg_check_modules(QPDF REQUIRED IMPORTED_TARGET libqpdf)
 zr_object(zr-pdf platform/pdf_object PkgConfig::QPDF)

@@ -140,6 +140,7 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void
 CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex most,
                                                  const CFDictionaryKeyCallBacks* keyCallbacks,
                                                  const CFDictionaryValueCallBacks* valueCallbacks);
+CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef, CFIndex most, CFDictionaryRef dictionary);
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);  // null = 0
 Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);  // borrowed; null = none

@@ -136,6 +136,18 @@ CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex most,
     return CFGuarded([&] { return new __CFDictionary(keyCallbacks, valueCallbacks, /*canChange*/ true, most); });
 }
 
+CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef, CFIndex most, CFDictionaryRef dictionary) {
+    if (!dictionary || most < 0) return nullptr;
+    return CFGuarded([&] {
+        CFDictionaryKeyCallBacks keys = {dictionary->objectKeys};
+        CFDictionaryValueCallBacks values = {dictionary->objectValues};
+        auto made = std::make_unique<__CFDictionary>(&keys, &values, /*canChange*/ true, most);
+        made->entries.reserve(dictionary->entries.size());
+        for (auto& entry : dictionary->entries) made->Add(entry.key, entry.value);
+        return made.release();
+    });
+}
+
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary) {
     return dictionary ? static_cast<CFIndex>(dictionary->entries.size()) : 0;
 }

@@ -20,6 +20,7 @@ enum CFKnownType : CFTypeID {
     kCFTypeDictionary,
     kCFTypeNumber,
     kCFTypeBoolean,
+    kCFTypeAttributedString,
     kCGTypeColorSpace = 100,
     kCGTypeColor,
     kCGTypePath,
@@ -36,7 +37,15 @@ enum CFKnownType : CFTypeID {
     kCGTypeImageSource,
     kCGTypeImageDestination,
     kHITypeShape,
-    kNSTypeImage = 200,
+    kCTTypeFont = 200,
+    kCTTypeFontDescriptor,
+    kCTTypeFontCollection,
+    kCTTypeParagraphStyle,
+    kCTTypeFramesetter,
+    kCTTypeFrame,
+    kCTTypeLine,
+    kCTTypeRun,
+    kNSTypeImage = 300,
     kNSTypeBitmapImageRep
 };
 

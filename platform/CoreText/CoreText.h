@@ -53,7 +53,7 @@ CGFloat CTFontGetSize(CTFontRef font);
 CGFloat CTFontGetAscent(CTFontRef font);   // not rounded
 CGFloat CTFontGetDescent(CTFontRef font);  // positive
 CGFloat CTFontGetLeading(CTFontRef font);
-CGFloat CTFontGetUnderlinePosition(CTFontRef font);  // negative = below the baseline
+CGFloat CTFontGetUnderlinePosition(CTFontRef font);  // of the line's top; negative = below the baseline
 CGFloat CTFontGetUnderlineThickness(CTFontRef font);
 uint32_t CTFontGetSymbolicTraits(CTFontRef font);
 CFStringRef CTFontCopyFamilyName(CTFontRef font);  // that asked for, where another font stands for it

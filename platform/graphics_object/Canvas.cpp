@@ -609,6 +609,8 @@ extern "C" __attribute__((visibility("default"))) const ZRGTable* ZRGraphicsGetT
         t.layer = Layer;
         FillRegionFunctions(&t);
         FillCodecFunctions(&t);
+        FillFontFunctions(&t);
+        FillTextFunctions(&t);
         return t;
     }();
     return &table;

@@ -85,5 +85,7 @@ void CastShadow(ZRGCanvas* canvas, const ZRGShadow* shadow, const ZRGRect& bound
 // The tables of the other sources
 void FillRegionFunctions(ZRGTable* table);
 void FillCodecFunctions(ZRGTable* table);
+void FillFontFunctions(ZRGTable* table);
+void FillTextFunctions(ZRGTable* table);
 
 #endif

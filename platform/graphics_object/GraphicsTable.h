@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
-inline constexpr int kZRGVersion = 1;
+inline constexpr int kZRGVersion = 2;
 inline constexpr double kZRGMaximumCoordinate = 4e6;  // device units; the drawing library's own numbers end at 8.3e6
 inline constexpr long kZRGMaximumSide = 32767;        // pixels of a bitmap
 inline constexpr long kZRGMaximumPixels = 1L << 28;   // of a bitmap
@@ -101,6 +101,58 @@ struct ZRGEncode {
     long tiffLength, tiffPage;
 };
 
+// Fonts: one face at one size, whatever thread asks; counted.
+struct ZRGFont;
+struct ZRGFontFacts {
+    double size, ascent, descent, leading;         // points, not rounded
+    double underlinePosition, underlineThickness;  // points; y up, the top of the line
+    uint32_t traits;                               // 1 italic, 2 bold
+    const char *family, *postScriptName;           // UTF-8; live as long as the font
+};
+struct ZRGFace {
+    const char *family, *postScriptName;
+};
+
+// Text: lines of one paragraph. Units are UTF-16, measures points, y up, x from the line's left end.
+inline constexpr long kZRGMostUnits = 100000;  // of one typesetting
+struct ZRGTextStyle {
+    long end;             // the first unit behind it; ascending, the last is count
+    const ZRGFont* font;  // borrowed
+    bool kerned;          // spacing takes the place of the font's kerning
+    double spacing;       // points behind every glyph
+};
+enum ZRGBreaking : int { kZRGNoBreaks, kZRGBreakWords, kZRGBreakAnywhere, kZRGCutHead, kZRGCutTail, kZRGCutMiddle };
+enum ZRGDirection : int { kZRGAsText = 0, kZRGLeftToRight = 1, kZRGRightToLeft = 2 };
+struct ZRGTypesetting {
+    const uint16_t* units;
+    long count;  // 1..kZRGMostUnits
+    const ZRGTextStyle* styles;
+    long styleCount;
+    int breaking;   // ZRGBreaking; all but kZRGNoBreaks look at width
+    double width;   // points, > 0
+    bool justify;   // every line but the last
+    int direction;  // ZRGDirection
+};
+struct ZRGTextRun {
+    long start, end;                  // units
+    long style;                       // [0..styleCount)
+    double x, width;                  // width with the spacing behind its last glyph
+    double ascent, descent, leading;  // of the font that draws it
+    long glyphs, firstGlyph;          // for drawText
+    int font;                         // likewise
+};
+struct ZRGTextLine {
+    long start, end;  // units; end is the next line's start
+    double width, ascent, descent, leading;
+    long firstRun, runCount;  // from left to right
+    bool rightToLeft;
+};
+struct ZRGTypeset {  // counted by its one owner; may be read and drawn on any thread
+    const ZRGTextLine* lines;
+    long lineCount;
+    const ZRGTextRun* runs;
+};
+
 struct ZRGTable {
     int version;
 
@@ -153,6 +205,20 @@ struct ZRGTable {
     bool (*decodeImage)(const uint8_t* bytes, long n, long index, ZRGDecoded* out);
     void (*freePixels)(uint8_t*);
     bool (*encodeImages)(int format, const ZRGEncode* images, long count, ZRGWrite write, void* info);
+
+    // Fonts; null = no fonts are installed, or no memory. size: points, above 0.
+    ZRGFont* (*openFont)(const char* name, double size);                 // UTF-8; PostScript, full or family name
+    ZRGFont* (*copyFont)(const ZRGFont*, double size, uint32_t traits);  // of the same family; null = no such face
+    void (*retainFont)(const ZRGFont*);
+    void (*releaseFont)(const ZRGFont*);
+    void (*fontFacts)(const ZRGFont*, ZRGFontFacts* out);
+    void (*eachFace)(void (*take)(void* info, const ZRGFace*), void* info);  // by family, then PostScript name
+
+    // Text; null = no memory
+    ZRGTypeset* (*typeset)(const ZRGTypesetting*);
+    void (*releaseTypeset)(ZRGTypeset*);
+    // matrix: from the line's points, y up, the baseline's left end the origin, to device
+    void (*drawText)(ZRGCanvas*, const ZRGTypeset*, long run, const ZRGMatrix* matrix, const ZRGPaint*);
 };
 
 extern "C" const ZRGTable* ZRGraphicsGetTable();
