@@ -143,8 +143,8 @@ static ZR_Rect TargetOf(const PictureDraw& draw, const ZR_Rect& r, bool underMat
             return target;
         case kFittedAtTop: {
             float left = r.left;
-            if (draw.alignment == ZR_ALIGN_CENTER) left = r.left + width / 2 - pw * scale / 2;
-            if (draw.alignment == ZR_ALIGN_RIGHT) left = r.right - pw * scale;
+            if (draw.alignment == ZR_ALIGNMENT_CENTER) left = r.left + width / 2 - pw * scale / 2;
+            if (draw.alignment == ZR_ALIGNMENT_RIGHT) left = r.right - pw * scale;
             target = at(left, ph * scale);
             target.right = target.left + pw * scale;
             return target;

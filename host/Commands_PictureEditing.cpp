@@ -145,7 +145,7 @@ std::optional<Pixels> Crop(const CommandCall& call, const Pixels& from) {
     const double x = std::trunc(call.number(3)), y = std::trunc(call.number(4));
     const double w = std::trunc(call.number(5)), h = std::trunc(call.number(6));
     if (!Fits(w, h) || !(std::abs(x) <= 1e6 && std::abs(y) <= 1e6)) return std::nullopt;
-    Pixels to(int(w), int(h));
+    Pixels to{int(w), int(h)};
     Place(from, -int64_t(x), -int64_t(y), &to);
     return to;
 }

@@ -15,7 +15,12 @@
 static constexpr double kInchPerCentimetre = 2.54;
 static constexpr int kMostScans = 500;         // more make a small file work for hours
 static constexpr long kMostMemory = 1L << 30;  // bytes that the library takes by itself
-static constexpr int kFineQuality = 90;        // from here on colour is kept for every pixel
+// Pixels that a byte can stand for at most: with Huffman codes a block needs a bit in some scan, and chroma planes are
+// a quarter; arithmetic codes have no such bound, and get a wide one. A picture that was cut off may have lost three
+// quarters of its bytes and is still read as far as it goes.
+static constexpr long kMostPixelsAByte = 4 * 64 * 8 * 4, kMostPixelsAByteArithmetic = 1L << 18;
+static constexpr long kSmallPicture = 1L << 22;  // pixels; below, any number of bytes will do
+static constexpr int kFineQuality = 90;          // from here on colour is kept for every pixel
 
 struct Errors {
     jpeg_error_mgr base;
@@ -76,9 +81,11 @@ static bool ReadImage(jpeg_decompress_struct* cinfo, Errors* errors, const uint8
     if (!pixels) return true;
     jpeg_progress_mgr own = progress;
     cinfo->progress = &own;
+    long aByte = cinfo->arith_code ? kMostPixelsAByteArithmetic : kMostPixelsAByte, all = out->width * out->height;
+    if (!SizeAllowed(out->width, out->height) || (all > kSmallPicture && all / aByte > n)) return false;
     bool inks = cinfo->num_components == 4;
     cinfo->out_color_space = inks ? JCS_CMYK : JCS_EXT_RGBA;
-    if (!SizeAllowed(out->width, out->height) || !jpeg_start_decompress(cinfo) || !AllocatePixels(out)) return false;
+    if (!jpeg_start_decompress(cinfo) || !AllocatePixels(out)) return false;
     while (cinfo->output_scanline < cinfo->output_height) {
         uint8_t* row = out->pixels + static_cast<long>(cinfo->output_scanline) * out->width * 4;
         if (jpeg_read_scanlines(cinfo, &row, 1) != 1) return false;
