@@ -1,5 +1,7 @@
 #include "app/Manual.h"
 
+#include <algorithm>
+
 #include "app/Commands.h"
 #include "app/Messages.h"
 #include "app/Output.h"
@@ -8,13 +10,13 @@ namespace zrtool {
 
 static constexpr size_t kWidth = 80;  // columns
 static constexpr const char* kSynopsis = "usage: zr COMMAND [OPTIONS] [ARGUMENTS]";
-static constexpr const char* kPurpose = "Runs 4D code outside the 4D application.";
+static constexpr const char* kPurpose = "Runs 4D code outside the 4D application, and draws.";
 static constexpr struct {
     int status;
     const char* meaning;
 } kExitStatus[] = {
     {kSuccess, "success"},
-    {kCodeFailed, "the 4D code failed"},
+    {kCodeFailed, "the 4D code or the document failed"},
     {kWrongUsage, "wrong usage, unreadable input or output that cannot be written"},
 };
 
@@ -183,9 +185,10 @@ static std::string Offer(const std::string& generator) {
 static std::string ValueOffer(std::string_view value) {
     if (value == "FILE") return Offer("-f");
     if (value == "DIR") return Offer("-d");
-    size_t bar = value.find('|');
-    if (bar == std::string_view::npos) return ":";
-    return Offer("-W \"" + std::string(value.substr(0, bar)) + " " + std::string(value.substr(bar + 1)) + "\"");
+    if (value.find('|') == std::string_view::npos) return ":";
+    std::string words(value);
+    std::replace(words.begin(), words.end(), '|', ' ');
+    return Offer("-W \"" + words + "\"");
 }
 
 static bool IsFirstOfName(const OptionRow& row) {

@@ -17,6 +17,7 @@
 #include "app/Json.h"
 #include "app/Messages.h"
 #include "app/Source.h"
+#include "graphics/ZR_API_Font.h"
 #include "graphics/ZR_API_Path.h"
 
 namespace zrtool {
@@ -222,9 +223,6 @@ class Reader {
     void definitions(const Json& define, const char* key, std::map<std::string, Item>* out,
                      bool (Reader::*read)(const Json&, const std::string&, Item*));
 
-    template <class Type, class... Extra>
-    SceneValue valueBy(bool (Reader::*read)(const Json&, const std::string&, Extra..., Type*), const Json& json,
-                       const std::string& path, Extra... extra);
     SceneValue value(const Json& json, const std::string& path, const ArgumentRow& row);
     bool calls(const Json& json, const std::string& path, std::vector<SceneCall>* out);
     bool call(const Json& json, const std::string& path, SceneCall* out);
@@ -663,56 +661,50 @@ bool Reader::picture(const Json& json, const std::string& path, std::shared_ptr<
 
 // Calls
 
-template <class Type, class... Extra>
-SceneValue Reader::valueBy(bool (Reader::*read)(const Json&, const std::string&, Extra..., Type*), const Json& json,
-                           const std::string& path, Extra... extra) {
+// What a member reads, or nothing if it could not.
+template <class Type, class Read>
+SceneValue Value(Read read) {
     Type out{};
-    if (!(this->*read)(json, path, extra..., &out)) return {};
-    return out;
+    return read(&out) ? SceneValue(std::move(out)) : SceneValue();
 }
 
 SceneValue Reader::value(const Json& json, const std::string& path, const ArgumentRow& row) {
     switch (row.kind) {
-        case ArgumentKind::Number: return valueBy<double, double, double>(&Reader::number, json, path, row.least, row.most);
-        case ArgumentKind::Whole: return valueBy<long, double, double>(&Reader::whole, json, path, row.least, row.most);
-        case ArgumentKind::Flag: return valueBy<bool>(&Reader::flag, json, path);
-        case ArgumentKind::Text: return valueBy<std::u16string>(&Reader::text, json, path);
-        case ArgumentKind::Word: return valueBy<long, const ArgumentRow&>(&Reader::word, json, path, row);
-        case ArgumentKind::Colour: return valueBy<ZR_RGBColor>(&Reader::colour, json, path);
-        case ArgumentKind::Point: return valueBy<ZR_Point>(&Reader::point, json, path);
-        case ArgumentKind::Box: return valueBy<ZR_Rect>(&Reader::box, json, path);
-        case ArgumentKind::Segments: return valueBy<SceneSegments>(&Reader::segments, json, path);
-        case ArgumentKind::Matrix: return valueBy<ZR_Matrix>(&Reader::matrix, json, path);
-        case ArgumentKind::Properties: return valueBy<SceneProperties>(&Reader::properties, json, path);
-        case ArgumentKind::Path: return valueBy<std::u16string>(&Reader::pathData, json, path);
-        case ArgumentKind::Region: return valueBy<std::vector<ZR_RegionRecord>>(&Reader::region, json, path);
-        case ArgumentKind::Picture: return valueBy<std::shared_ptr<ScenePicture>>(&Reader::picture, json, path);
-        case ArgumentKind::Calls: return valueBy<std::vector<SceneCall>>(&Reader::calls, json, path);
-        case ArgumentKind::Colours: {
-            std::vector<ZR_RGBColor> out;
-            if (list(json, path, "a list of colours", &out, &Reader::colour)) return out;
-            return {};
-        }
-        case ArgumentKind::Boxes: {
-            std::vector<ZR_Rect> out;
-            if (list(json, path, "a list of boxes [x, y, width, height]", &out, &Reader::box)) return out;
-            return {};
-        }
-        case ArgumentKind::Font: {
-            SceneFont out;
-            if (named(json, path, "font", fonts_, &out, &Reader::font)) return out;
-            return {};
-        }
-        case ArgumentKind::Gradient: {
-            SceneGradient out;
-            if (named(json, path, "gradient", gradients_, &out, &Reader::gradient)) return out;
-            return {};
-        }
-        case ArgumentKind::Dash: {
-            SceneDash out;
-            if (named(json, path, "dash", dashes_, &out, &Reader::dash)) return out;
-            return {};
-        }
+        case ArgumentKind::Number:
+            return Value<double>([&](auto* out) { return number(json, path, row.least, row.most, out); });
+        case ArgumentKind::Whole:
+            return Value<long>([&](auto* out) { return whole(json, path, row.least, row.most, out); });
+        case ArgumentKind::Flag: return Value<bool>([&](auto* out) { return flag(json, path, out); });
+        case ArgumentKind::Text: return Value<std::u16string>([&](auto* out) { return text(json, path, out); });
+        case ArgumentKind::Word: return Value<long>([&](auto* out) { return word(json, path, row, out); });
+        case ArgumentKind::Colour: return Value<ZR_RGBColor>([&](auto* out) { return colour(json, path, out); });
+        case ArgumentKind::Colours:
+            return Value<std::vector<ZR_RGBColor>>(
+                [&](auto* out) { return list(json, path, "a list of colours", out, &Reader::colour); });
+        case ArgumentKind::Point: return Value<ZR_Point>([&](auto* out) { return point(json, path, out); });
+        case ArgumentKind::Box: return Value<ZR_Rect>([&](auto* out) { return box(json, path, out); });
+        case ArgumentKind::Boxes:
+            return Value<std::vector<ZR_Rect>>([&](auto* out) {
+                return list(json, path, "a list of boxes [x, y, width, height]", out, &Reader::box);
+            });
+        case ArgumentKind::Segments: return Value<SceneSegments>([&](auto* out) { return segments(json, path, out); });
+        case ArgumentKind::Font:
+            return Value<SceneFont>([&](auto* out) { return named(json, path, "font", fonts_, out, &Reader::font); });
+        case ArgumentKind::Gradient:
+            return Value<SceneGradient>(
+                [&](auto* out) { return named(json, path, "gradient", gradients_, out, &Reader::gradient); });
+        case ArgumentKind::Dash:
+            return Value<SceneDash>([&](auto* out) { return named(json, path, "dash", dashes_, out, &Reader::dash); });
+        case ArgumentKind::Matrix: return Value<ZR_Matrix>([&](auto* out) { return matrix(json, path, out); });
+        case ArgumentKind::Properties:
+            return Value<SceneProperties>([&](auto* out) { return properties(json, path, out); });
+        case ArgumentKind::Path: return Value<std::u16string>([&](auto* out) { return pathData(json, path, out); });
+        case ArgumentKind::Region:
+            return Value<std::vector<ZR_RegionRecord>>([&](auto* out) { return region(json, path, out); });
+        case ArgumentKind::Picture:
+            return Value<std::shared_ptr<ScenePicture>>([&](auto* out) { return picture(json, path, out); });
+        case ArgumentKind::Calls:
+            return Value<std::vector<SceneCall>>([&](auto* out) { return calls(json, path, out); });
     }
     return {};
 }

@@ -12,6 +12,7 @@
 #include "graphics/ZR_API_Path.h"
 #include "graphics/ZR_API_SVGDocument.h"
 #include "graphics/ZR_API_Shading.h"
+#include "platform/CoreGraphics/CoreGraphics.h"
 
 namespace zrtool {
 
@@ -31,7 +32,7 @@ ZR_Text TextOf(std::u16string_view units) {  // handed over
 
 class PropertyList {
   public:
-    PropertyList() { records_.Create(sizeof(ZR_DeviceProperty), 10); }
+    PropertyList() { records_.Create(sizeof(ZR_DeviceProperty), 0); }
     ~PropertyList() {
         for (long i = 1; i <= records_.count; ++i) {
             record(i)->name.Dispose();
@@ -264,7 +265,7 @@ void ScenePainter::paint(const Scene& scene) {
     deviceProperties_.clear();
     regionClip_.clear();
     device_->DisposeCustomProperties();
-    device_->customProperties.Create(sizeof(ZR_DeviceProperty), 10);
+    device_->customProperties.Create(sizeof(ZR_DeviceProperty), 0);
 }
 
 void ScenePainter::paintCalls(const std::vector<SceneCall>& calls) {
@@ -289,7 +290,7 @@ void ScenePainter::setDeviceProperties(const Attributes& more) {
     AddAttributes(&deviceProperties_, all, &list);
     device_->DisposeCustomProperties();
     device_->customProperties = *list.get();
-    list.get()->Create(sizeof(ZR_DeviceProperty), 10);  // the device owns what it held
+    list.get()->Create(sizeof(ZR_DeviceProperty), 0);  // the device owns what it held
 }
 
 ScenePainter::Attributes ScenePainter::lineAttributes(const SceneCall& call) const {
