@@ -122,7 +122,7 @@ static void DrawSvg(const PictureDraw& draw) {
 // Pixels -----------------------------------------------------------------------------------------------------------
 
 static ZR_Rect Sized(float left, float top, float width, float height) {
-    return {top, left, top + height, left + width};
+    return {top, left, left + width, top + height};
 }
 
 // The place of the picture in r. Under a matrix r is mirrored: its bottom is what is seen as its top.

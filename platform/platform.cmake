@@ -23,6 +23,7 @@ zr_object(zr-graphics platform/graphics_object PkgConfig::CAIRO PkgConfig::TEXT 
 pkg_check_modules(QPDF REQUIRED IMPORTED_TARGET libqpdf)
 zr_object(zr-pdf platform/pdf_object PkgConfig::QPDF)
 target_compile_definitions(zr-pdf PRIVATE POINTERHOLDER_TRANSITION=4)
+set_target_properties(zr-pdf PROPERTIES CXX_STANDARD 17)  # clang does not take qpdf's headers as C++20
 
 pkg_check_modules(RSVG REQUIRED IMPORTED_TARGET librsvg-2.0)
 zr_object(zr-svg platform/svg_object PkgConfig::RSVG PkgConfig::CAIRO)

@@ -1,4 +1,5 @@
 // SVG pictures as images and documents, for hosts that answer with native pictures. Without libzr-svg.so null.
+// "textArea" is drawn as the lines that the framesetter makes of it.
 #ifndef ZR_PLATFORM_SVGPICTURE_H
 #define ZR_PLATFORM_SVGPICTURE_H
 

@@ -9,6 +9,8 @@
 
 #include "platform/graphics_object/Codecs_Private.h"
 
+static constexpr long kMostPixelsAByte = 1L << 12;  // a code of 12 bits stands for 4096 pixels at most
+static constexpr long kSmallPicture = 1L << 22;     // pixels; below, any number of bytes will do
 static constexpr long kMostWork = 1L << 28;  // pixels of all frames up to the one wanted
 
 struct Input {
@@ -149,6 +151,8 @@ static bool Decode(const uint8_t* bytes, long n, long index, bool pixels, ZRGDec
     out->height = gif->SHeight;
     out->alpha = kZRGStraight;
     if (!pixels) return Count(bytes, n) > index;
+    long all = out->width * out->height;
+    if (all > kSmallPicture && all / kMostPixelsAByte > n) return false;
     if (!AllocatePixels(out) || !DecodeFrames(gif.get(), index, out)) return false;
     out->alpha = AlphaOf(*out);
     return true;

@@ -296,6 +296,20 @@ static void TakeLine(Typeset* set, TextThread* thread, const ZRGTypesetting& fro
     set->ownLines.push_back(line);
 }
 
+// Pango leaves justified lines short by the kerning of the blank at their end.
+static void Fill(Typeset* set, ZRGTextLine* line, double width) {
+    if (!(std::abs(width - line->width) < 1) || line->width <= 0) return;
+    double factor = width / line->width;
+    for (long i = line->firstRun; i < line->firstRun + line->runCount; ++i) {
+        ZRGTextRun& run = set->ownRuns[static_cast<size_t>(i)];
+        run.x *= factor;
+        run.width *= factor;
+        for (long k = run.firstGlyph; k < run.firstGlyph + run.glyphs; ++k)
+            set->glyphs[static_cast<size_t>(k)].x *= static_cast<float>(factor);
+    }
+    line->width = width;
+}
+
 // A line without glyphs is as high as the font at its place.
 static void GiveHeight(ZRGTextLine* line, const ZRGTypesetting& from) {
     long style = 0;
@@ -330,6 +344,7 @@ static ZRGTypeset* SetText(const ZRGTypesetting* from) {
             ZRGTextLine& line = set->ownLines[i];
             line.end = i + 1 < set->ownLines.size() ? set->ownLines[i + 1].start : from->count;
             if (line.runCount == 0) GiveHeight(&line, *from);
+            if (from->justify && i + 1 < set->ownLines.size()) Fill(set.get(), &line, from->width);
         }
         set->lines = set->ownLines.data();
         set->lineCount = static_cast<long>(set->ownLines.size());

@@ -1,8 +1,9 @@
 #include "core/ZR_API_Color.h"
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 
-#include "core/ZR_API_Geometry.h"
 #include "tests/core/FakeHost.h"
 
 namespace {
@@ -127,13 +128,105 @@ TEST(Color, WritingTexts_WebAndLedger) {
     }
 }
 
-TEST(Geometry, Rect_FieldOrder_TopLeftRightBottom) {  // Required
-    ZR_Rect rect = {1, 2, 3, 4};
-    EXPECT_EQ(rect.top, 1);
-    EXPECT_EQ(rect.left, 2);
-    EXPECT_EQ(rect.right, 3);
-    EXPECT_EQ(rect.bottom, 4);
-    ZR_Point point = {5, 6};
-    EXPECT_EQ(point.x, 5);
-    EXPECT_EQ(point.y, 6);
+namespace {
+
+struct IndexRow {
+    long index;
+    unsigned short red, green, blue;
+};
+
+ZR_RGBColor Indexed(long index) {
+    ZR_RGBColor color = {1, 2, 3, 0.25F};
+    color.Set4DIndex(index);
+    return color;
+}
+
+void ExpectColor(const IndexRow& row, int allowance = 0) {
+    ZR_RGBColor color = Indexed(row.index);
+    EXPECT_NEAR(color.red, row.red, allowance) << row.index;
+    EXPECT_NEAR(color.green, row.green, allowance) << row.index;
+    EXPECT_NEAR(color.blue, row.blue, allowance) << row.index;
+    EXPECT_EQ(color.alpha, 1) << row.index;
+}
+
+constexpr IndexRow kGivenHues[] = {
+    {16, 0xFFFF, 0x0001, 0x5E98}, {48, 0xFFFF, 0xC02F, 0x0001},  {64, 0xBC90, 0xFFFF, 0x0001},
+    {96, 0x0001, 0xB440, 0xFFFF}, {120, 0xFFFF, 0x03DF, 0xEFF6},
+};
+
+// The angle of a colour on the hue circle, in degrees from red.
+double HueOf(double red, double green, double blue) {
+    double high = std::max({red, green, blue}), low = std::min({red, green, blue}), range = high - low;
+    if (high == red) return std::fmod(360 + 60 * (green - blue) / range, 360);
+    return high == green ? 120 + 60 * (blue - red) / range : 240 + 60 * (red - green) / range;
+}
+
+}  // namespace
+
+TEST(Color, Set4DIndex_GivenRows_Exactly) {
+    static constexpr IndexRow rows[] = {
+        {0, 0xFFFF, 0xFFFF, 0xFFFF},   {1, 0xFFFF, 0xFFFF, 0x0000},   {2, 0xFFFF, 0x6666, 0x0000},
+        {3, 0xEEEE, 0x0000, 0x0000},   {4, 0xFFFF, 0x0000, 0x9999},   {5, 0x0000, 0x0000, 0x9999},
+        {6, 0x0000, 0x0000, 0xFFFF},   {7, 0x0000, 0x9999, 0xFFFF},   {8, 0x0000, 0xBBBB, 0x0000},
+        {9, 0x0000, 0x9999, 0x0000},   {10, 0x6666, 0x3333, 0x0000},  {11, 0x4444, 0x4444, 0x4444},
+        {12, 0xDDDD, 0xDDDD, 0xDDDD},  {13, 0x9999, 0x6666, 0x0000},  {14, 0xAAAA, 0xAAAA, 0xAAAA},
+        {15, 0x0000, 0x0000, 0x0000},  {128, 0xFFFF, 0xE001, 0xE001}, {135, 0xFFFF, 0x0001, 0x0001},
+        {143, 0x60BF, 0x0001, 0x0001}, {240, 0xFFFE, 0xFFFE, 0xFFFE}, {244, 0xC000, 0xC000, 0xC000},
+        {251, 0x4000, 0x4000, 0x4000}, {255, 0x0000, 0x0000, 0x0000},
+    };
+    for (const IndexRow& row : rows) ExpectColor(row);
+    for (const IndexRow& row : kGivenHues) ExpectColor(row);
+}
+
+TEST(Color, Set4DIndex_Outside_IsBlack) {
+    for (long index : {256L, 1000L, -1L, std::numeric_limits<long>::max(), std::numeric_limits<long>::min()})
+        ExpectColor({index, 0, 0, 0});
+}
+
+TEST(Color, Set4DIndex_Hues_MoveEvenlyBetweenGivenRows) {  // the rule, worked out in degrees
+    for (size_t i = 0; i < std::size(kGivenHues); ++i) {
+        const IndexRow& from = kGivenHues[i];
+        const IndexRow to = i + 1 < std::size(kGivenHues) ? kGivenHues[i + 1] : IndexRow{128, 0xFFFF, 0x0001, 0x5E98};
+        double first = HueOf(from.red, from.green, from.blue), last = HueOf(to.red, to.green, to.blue);
+        if (last < first) last += 360;
+        for (long row = from.index + 1; row < to.index; ++row) {
+            ZR_RGBColor color = Indexed(row);
+            EXPECT_EQ(std::max({color.red, color.green, color.blue}), 0xFFFF) << row;
+            EXPECT_EQ(std::min({color.red, color.green, color.blue}), 0x0001) << row;
+            double hue = first + (last - first) * static_cast<double>(row - from.index) /
+                                     static_cast<double>(to.index - from.index);
+            double off = std::fmod(HueOf(color.red, color.green, color.blue) - hue + 900, 360) - 180;
+            EXPECT_NEAR(off, 0, 0.001) << row;
+        }
+    }
+}
+
+TEST(Color, Set4DIndex_SevenColours_TintsAndShades) {
+    for (int family = 0; family < 7; ++family)
+        for (int step = 0; step < 16; ++step) {
+            auto low = static_cast<unsigned short>(step < 7 ? 0xE001 - 0x2000 * step : 1);
+            auto high = static_cast<unsigned short>(step < 8 ? 0xFFFF : 0xFFFF - 5096 * (step - 7));
+            auto middle = static_cast<unsigned short>((low + high) / 2);
+            const IndexRow rows[7] = {{0, high, low, low}, {0, high, middle, low}, {0, high, high, low},
+                                      {0, low, high, low}, {0, low, high, high},   {0, low, low, high},
+                                      {0, high, low, high}};
+            IndexRow row = rows[family];
+            row.index = 128 + 16 * family + step;
+            ExpectColor(row);
+        }
+}
+
+TEST(Color, Set4DIndex_Grays_FallEvenlyBetweenGivenRows) {
+    static constexpr struct {
+        long row;
+        double value;
+    } given[] = {{240, 0xFFFE}, {244, 0xC000}, {251, 0x4000}, {255, 0}};
+    for (int i = 0; i < 3; ++i)
+        for (long row = given[i].row; row <= given[i + 1].row; ++row) {
+            double part =
+                static_cast<double>(row - given[i].row) / static_cast<double>(given[i + 1].row - given[i].row);
+            auto gray =
+                static_cast<unsigned short>(std::lround(given[i].value + (given[i + 1].value - given[i].value) * part));
+            ExpectColor({row, gray, gray, gray}, /*allowance*/ 1);
+        }
 }

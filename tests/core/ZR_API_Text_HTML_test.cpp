@@ -99,3 +99,33 @@ TEST(TextHTML, EncodeHTML_LongText_IsLinear) {
     EXPECT_EQ(text.capacity, 2000000);
     text.Dispose();
 }
+
+TEST(TextHTML, GetHTMLText_Units_LightForm) {
+    static const struct {
+        std::u16string text, expected;
+    } rows[] = {
+        {u"", u""},
+        {u"a<b>&\"c\"", u"a&lt;b&gt;&amp;&quot;c&quot;"},
+        {u"'\r\n\t%", u"'\r\n\t%"},  // none of the other names
+        {u"\u0027", u"'"},
+        {u"\u009F", u"\u009F"},
+        {u"\u00A0", u"&#160;"},
+        {u"\u00E4\u20AC", u"&#228;&#8364;"},
+        {u"\xFFFF", u"&#65535;"},
+    };
+    for (const auto& row : rows) {
+        MemoryCheck check;
+        ZR_Text text = MakeText(row.text), out = MakeText(u"old");
+        text.GetHTMLText(&out);
+        EXPECT_EQ(Units(out), row.expected);
+        EXPECT_EQ(out.growStep, 100);
+        EXPECT_EQ(Units(text), row.text);
+        out.Dispose();
+        text.Dispose();
+    }
+    ZR_Text text = MakeText(u"a<");
+    text.GetHTMLText(nullptr);
+    text.GetHTMLText(&text);  // into itself: empty
+    EXPECT_EQ(text.count, 0);
+    text.Dispose();
+}
