@@ -249,6 +249,13 @@ ZR_Matrix Product(const ZR_Matrix& first, const ZR_Matrix* second) {
 
 }  // namespace
 
+// An element with its attributes below another one.
+static void AddElement(ZR_DOM_Tree* svg, ZR_Text* parent, const char* name,
+                       const std::vector<std::pair<const char*, std::string>>& attributes, ZR_Text* out) {
+    svg->CreateElement(parent, name, out);
+    for (const auto& [key, value] : attributes) svg->SetAttributeText(out, key, value.c_str());
+}
+
 // Painting ---------------------------------------------------------------------------------------------------------
 
 void ScenePainter::paint(const Scene& scene) {
@@ -269,7 +276,36 @@ void ScenePainter::paint(const Scene& scene) {
 }
 
 void ScenePainter::paintCalls(const std::vector<SceneCall>& calls) {
-    for (const SceneCall& call : calls) (this->*call.primitive->draw)(call);
+    for (const SceneCall& call : calls) {
+        const ZR_Matrix* matrix = Takes(call, "matrix") ? call.find<ZR_Matrix>("matrix") : nullptr;
+        ClipInForce before = turnClip(matrix);
+        (this->*call.primitive->draw)(call);
+        if (before.turned) restoreClip(before);
+    }
+}
+
+// An SVG clip is taken in the space of the element, so a matrix would move it: the element gets the clip turned back.
+ScenePainter::ClipInForce ScenePainter::turnClip(const ZR_Matrix* matrix) {
+    ClipInForce before;
+    if (!svgHelped() || !matrix || matrix->IsIdentity()) return before;
+    ZR_DOM_Tree* svg = device_->svg;
+    ZR_Rect rect{};
+    bool hasRect = svg->GetCurrentClip(&rect);
+    if (!hasRect && regionClip_.empty()) return before;
+    double det = static_cast<double>(matrix->a) * matrix->d - static_cast<double>(matrix->b) * matrix->c;
+    if (std::fabs(det) < 1e-5) return before;  // nothing is seen of it
+    before = {true, svg->currentClip, regionClip_};
+    ZR_Matrix back = *matrix;
+    back.Invert();
+    std::vector<ZR_Rect> parts = hasRect ? std::vector<ZR_Rect>{rect} : regionParts_;
+    addRegionClip(parts, &back);
+    return before;
+}
+
+void ScenePainter::restoreClip(const ClipInForce& before) {
+    device_->svg->currentClip = before.number;
+    regionClip_ = before.region;
+    setDeviceProperties({});
 }
 
 void ScenePainter::leaveOut(const SceneCall& call) {
@@ -429,6 +465,7 @@ void ScenePainter::drawTextLine(const SceneCall& call, ZR_Text* text, float x, f
     CallArguments arguments(call, attributes);
     ZR_Matrix* matrix = arguments.matrix();
     ZR_Matrix helped{1, 0, 0, 1, x - std::trunc(x), y - std::trunc(y)};
+    ClipInForce before;
     if (svgHelped()) {
         if (rotation != 0 && !matrix) {
             double radians = -static_cast<double>(rotation) * std::numbers::pi / 180;
@@ -437,10 +474,12 @@ void ScenePainter::drawTextLine(const SceneCall& call, ZR_Text* text, float x, f
             helped.Multiply(&turn);
         }
         helped = Product(helped, matrix);
+        if (!matrix && rotation != 0) before = turnClip(&helped);
         matrix = &helped;
     }
     device_->DrawText(text, x, y, font.get(), fill.get(), rotation, call.flag("antialias"), matrix,
                       arguments.properties());
+    if (before.turned) restoreClip(before);
 }
 
 void ScenePainter::text(const SceneCall& call) {
@@ -503,13 +542,70 @@ void ScenePainter::styledText(const SceneCall& call) {
 
 // Pictures and layers ----------------------------------------------------------------------------------------------
 
+static constexpr long kCentred = 1, kStretched = 2, kTopLeft = 3, kTopLeftToo = 4, kFittedAtTop = 5, kFitted = 6, kTiled = 7;
+static constexpr float kMostRows = 1000;  // of tiles in SVG
+
+// Where pixels show it in natural size or fitted; the library's SVG knows the box alone.
+static ZR_Rect PlaceInBox(const ZR_Picture* picture, const ZR_Rect& box, long mode) {
+    auto width = static_cast<float>(picture->width), height = static_cast<float>(picture->height);
+    float boxWidth = box.right - box.left, boxHeight = box.bottom - box.top;
+    if (mode == kFitted) {
+        float scale = std::min(boxWidth / width, boxHeight / height);
+        width *= scale;
+        height *= scale;
+    }
+    bool topLeft = mode == kTopLeft || mode == kTopLeftToo;
+    float left = topLeft ? box.left : box.left + (boxWidth - width) / 2;
+    float top = topLeft ? box.top : box.top + (boxHeight - height) / 2;
+    return {top, left, left + width, top + height};
+}
+
+// The clip in force within a box, for what reaches beyond it.
+ScenePainter::ClipInForce ScenePainter::clipToBox(const ZR_Rect& box, const ZR_Matrix* matrix) {
+    ClipInForce before{true, device_->svg->currentClip, regionClip_};
+    ZR_Rect rect{};
+    std::vector<ZR_Rect> within = {box}, parts;
+    if (!matrix && device_->svg->GetCurrentClip(&rect)) within = {rect};
+    else if (!matrix && !regionClip_.empty()) within = regionParts_;
+    for (ZR_Rect part : within) {
+        ZR_CutBounds(&part, &box);
+        if (part.right > part.left) parts.push_back(part);
+    }
+    addRegionClip(parts, nullptr);
+    return before;
+}
+
+// Tiles in rows as on pixels; the library's SVG has one row.
+static std::vector<ZR_Rect> RowsOf(const ZR_Picture* picture, const ZR_Rect& box) {
+    auto width = static_cast<float>(picture->width), height = static_cast<float>(picture->height);
+    std::vector<ZR_Rect> rows;
+    float right = box.left + std::ceil((box.right - box.left) / width) * width;
+    for (float row = 0; row < std::min(kMostRows, std::ceil((box.bottom - box.top) / height)); ++row)
+        rows.push_back({box.top + row * height, box.left, right, box.top + (row + 1) * height});
+    return rows;
+}
+
 void ScenePainter::picture(const SceneCall& call) {
-    const auto& source = call.get<std::shared_ptr<ScenePicture>>("source");
+    ZR_Picture* picture = call.get<std::shared_ptr<ScenePicture>>("source")->get();
     CallArguments arguments(call, {});
     ZR_Rect box = call.get<ZR_Rect>("box");
-    source->get()->displayFormat = static_cast<short>(call.whole("mode"));
-    source->get()->Draw(device_, &box, call.number("opacity") * 100, arguments.matrix(),
-                        static_cast<ZR_Alignment>(call.whole("align")), arguments.properties());
+    long mode = call.whole("mode");
+    std::vector<ZR_Rect> places = {box};
+    ClipInForce before;
+    bool knowsSize = picture->width > 0 && picture->height > 0 && box.right > box.left && box.bottom > box.top;
+    if (svgHelped() && knowsSize && mode == kTiled) {
+        places = RowsOf(picture, box);
+        before = clipToBox(box, arguments.matrix());
+    } else if (svgHelped() && knowsSize && mode != kStretched && mode != kFittedAtTop) {
+        places = {PlaceInBox(picture, box, mode)};
+        if (mode != kFitted) before = clipToBox(box, arguments.matrix());
+        mode = kStretched;
+    }
+    picture->displayFormat = static_cast<short>(mode);
+    for (ZR_Rect& place : places)
+        picture->Draw(device_, &place, call.number("opacity") * 100, arguments.matrix(),
+                      static_cast<ZR_Alignment>(call.whole("align")), arguments.properties());
+    if (before.turned) restoreClip(before);
 }
 
 // A document of its own, as a picture in this one: identifiers of the two cannot meet.
@@ -660,25 +756,30 @@ void ScenePainter::shading(const SceneCall& call) {
     else fillClip({all.top, box.left, box.right, all.bottom}, fading);
 }
 
+// The shadow of pixels: black of a third, blurred, to the right and up.
 void ScenePainter::addShadowFilter(const SceneCall& call, const ZR_Rect& rect) {
     ZR_Point offset = call.get<ZR_Point>("offset");
     auto blur = static_cast<float>(call.whole("blur"));
     ZR_DOM_Tree* svg = device_->svg;
     std::string id = "shadow" + std::to_string(++shadows_);
-    Text filter, drop;
-    svg->CreateElement(&svg->defs, "filter", filter.get());
-    svg->SetAttributeText(filter.get(), "id", id.c_str());
-    svg->SetAttributeText(filter.get(), "filterUnits", "userSpaceOnUse");
-    svg->SetAttributeDouble(filter.get(), "x", rect.left - 2 * blur);
-    svg->SetAttributeDouble(filter.get(), "y", rect.top - 2 * blur - offset.y);
-    svg->SetAttributeDouble(filter.get(), "width", rect.right - rect.left + 4 * blur + offset.x);
-    svg->SetAttributeDouble(filter.get(), "height", rect.bottom - rect.top + 4 * blur + offset.y);
-    svg->CreateElement(filter.get(), "feDropShadow", drop.get());
-    svg->SetAttributeDouble(drop.get(), "dx", offset.x);
-    svg->SetAttributeDouble(drop.get(), "dy", -offset.y);  // as on pixels: upwards
-    svg->SetAttributeDouble(drop.get(), "stdDeviation", blur / 2);
-    svg->SetAttributeText(drop.get(), "flood-color", "#000000");
-    svg->SetAttributeText(drop.get(), "flood-opacity", "0.3333");
+    Text filter, step, part;
+    AddElement(svg, &svg->defs, "filter",
+               {{"id", id},
+                {"filterUnits", "userSpaceOnUse"},
+                {"color-interpolation-filters", "sRGB"},
+                {"x", Number(rect.left - 2 * blur)},
+                {"y", Number(rect.top - 2 * blur - offset.y)},
+                {"width", Number(rect.right - rect.left + 4 * blur + offset.x)},
+                {"height", Number(rect.bottom - rect.top + 4 * blur + offset.y)}},
+               filter.get());
+    AddElement(svg, filter.get(), "feGaussianBlur", {{"in", "SourceAlpha"}, {"stdDeviation", Number(blur / 2)}},
+               step.get());
+    AddElement(svg, filter.get(), "feOffset", {{"dx", Number(offset.x)}, {"dy", Number(-offset.y)}}, step.get());
+    AddElement(svg, filter.get(), "feComponentTransfer", {{"result", "shadow"}}, step.get());
+    AddElement(svg, step.get(), "feFuncA", {{"type", "linear"}, {"slope", "0.3333"}}, part.get());
+    AddElement(svg, filter.get(), "feMerge", {}, step.get());
+    AddElement(svg, step.get(), "feMergeNode", {{"in", "shadow"}}, part.get());
+    AddElement(svg, step.get(), "feMergeNode", {{"in", "SourceGraphic"}}, part.get());
     setDeviceProperties({{"filter", "url(#" + id + ")"}});
 }
 
@@ -698,20 +799,22 @@ void ScenePainter::shadow(const SceneCall& call) {
 
 // State ------------------------------------------------------------------------------------------------------------
 
-void ScenePainter::clipSvgRegion(const std::vector<ZR_RegionRecord>& steps) {
-    Region region(PartsOf(steps));
+// A clip of rectangles that do not meet, as an attribute of later elements.
+void ScenePainter::addRegionClip(const std::vector<ZR_Rect>& parts, ZR_Matrix* matrix) {
+    Region region(parts);
     ZR_Handle path = region.get()->CreatePath();
     Text data, clip, shape;
     ZR_GetPathText(&path, data.get());
     path.Dispose();
     std::string id = "region" + std::to_string(++regionClips_);
     ZR_DOM_Tree* svg = device_->svg;
-    svg->CreateElement(&svg->defs, "clipPath", clip.get());
-    svg->SetAttributeText(clip.get(), "id", id.c_str());
+    AddElement(svg, &svg->defs, "clipPath", {{"id", id}}, clip.get());
     svg->CreateElement(clip.get(), "path", shape.get());
     svg->SetAttributeText(shape.get(), "d", data.get());
+    svg->SetMatrix(shape.get(), matrix, "transform");
     svg->currentClip = 0;
     regionClip_ = "url(#" + id + ")";
+    setDeviceProperties({});
 }
 
 void ScenePainter::clip(const SceneCall& call) {
@@ -720,8 +823,8 @@ void ScenePainter::clip(const SceneCall& call) {
         const auto& steps = call.get<std::vector<ZR_RegionRecord>>("steps");
         if (device_->svg && plain_) return leaveOut(call);
         if (device_->svg) {
-            clipSvgRegion(steps);
-            return setDeviceProperties({});
+            regionParts_ = PartsOf(steps);
+            return addRegionClip(regionParts_, nullptr);
         }
         Region region(steps);
         return device_->SetClipRegion(region.get());
@@ -729,6 +832,7 @@ void ScenePainter::clip(const SceneCall& call) {
     ZR_Rect box = call.has("box") ? call.get<ZR_Rect>("box") : wholeBounds();
     ZR_Rect within = call.has("within") ? call.get<ZR_Rect>("within") : ZR_Rect{};
     if (call.has("within")) device_->ClipRect(&box, &within);
+    else if (svgHelped() && !call.has("box")) device_->svg->currentClip = 0;  // the whole: none is needed
     else device_->ClipRect(&box);
     setDeviceProperties({});
 }

@@ -57,7 +57,15 @@ class ScenePainter {
     Attributes lineAttributes(const SceneCall& call) const;
     void drawTextLine(const SceneCall& call, ZR_Text* text, float x, float y, const Attributes& more);
     void fillClip(ZR_Rect rect, const SceneGradient& gradient);
-    void clipSvgRegion(const std::vector<ZR_RegionRecord>& steps);
+    struct ClipInForce {
+        bool turned = false;
+        long number = 0;  // of the document's clip
+        std::string region;
+    };
+    ClipInForce turnClip(const ZR_Matrix* matrix);
+    ClipInForce clipToBox(const ZR_Rect& box, const ZR_Matrix* matrix);
+    void restoreClip(const ClipInForce& before);
+    void addRegionClip(const std::vector<ZR_Rect>& parts, ZR_Matrix* matrix);
     void layerSvg(const SceneCall& call, const ZR_Rect& rect, ZR_Matrix* matrix);
     void addShadowFilter(const SceneCall& call, const ZR_Rect& rect);
     ZR_Rect wholeBounds() const;
@@ -67,6 +75,7 @@ class ScenePainter {
     bool plain_;
     SceneProperties deviceProperties_;  // of the scene
     std::string regionClip_;            // value of clip-path; empty = none
+    std::vector<ZR_Rect> regionParts_;  // of the clip, in the scene's coordinates
     long regionClips_ = 0, shadows_ = 0;
     std::set<const PrimitiveRow*> toldOf_;
     std::vector<std::string> leftOut_;
