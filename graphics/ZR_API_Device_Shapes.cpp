@@ -148,8 +148,8 @@ void ZR_Device::DrawRect(ZR_Rect* rect, bool fill, bool stroke, ZR_RGBColor* fil
 
 void ZR_Device::RoundRectToPath(CGRect rect, float radius) {
     const CGRect r = CGRectStandardize(rect);
-    double corner = std::min(radius / 2.0, CGRectGetHeight(r) / 2);
-    corner = std::max(std::min(corner, CGRectGetWidth(r) / 2), 0.0);  // a negative radius has no corners to round
+    // A negative radius, or one that is no number, rounds nothing.
+    const double corner = radius > 0 ? std::min({radius / 2.0, CGRectGetHeight(r) / 2, CGRectGetWidth(r) / 2}) : 0;
     const double minX = CGRectGetMinX(r), midX = CGRectGetMidX(r), maxX = CGRectGetMaxX(r);
     const double minY = CGRectGetMinY(r), midY = CGRectGetMidY(r), maxY = CGRectGetMaxY(r);
     CGContextBeginPath(context);
