@@ -9,11 +9,13 @@
 #include "platform/graphics_object/Text_Private.h"
 
 static constexpr double kLeastSize = 1, kMostSize = 1000, kMiddlingSize = 12;  // points that Pango works with
-static constexpr double kMostPangoPoints = 1e6;                                // a width in them
-static constexpr double kTabStop = 28;                                         // points
-static constexpr double kLargestImageGlyph = 200;  // device units; larger glyphs are painted as outlines
-static constexpr double kSmallestGlyph = 1e-2;     // device units; smaller ones are not painted
-static constexpr long kManyGlyphs = 512;           // from here on those outside of the clip are left out
+static constexpr double kMostReach = 8e5;  // points of a line, if all its glyphs were as wide as their font is high
+static constexpr double kMostPangoPoints = 1e6;             // a width in them
+static constexpr long kManyUnits = 8192, kMostTabs = 1000;  // in that many units; further tabs are blanks
+static constexpr double kTabStop = 28;                      // points
+static constexpr double kLargestImageGlyph = 200;           // device units; larger glyphs are painted as outlines
+static constexpr double kSmallestGlyph = 1e-2;              // device units; smaller ones are not painted
+static constexpr long kManyGlyphs = 512;                    // from here on those outside of the clip are left out
 
 namespace {
 struct Glyph {
@@ -96,9 +98,10 @@ static Bytes ToBytes(const ZRGTypesetting& from) {
     bool breaks = from.breaking == kZRGBreakWords || from.breaking == kZRGBreakAnywhere;
     bytes.text.reserve(count + count / 2);
     bytes.unitOf.reserve(count + count / 2 + 1);
-    long style = 0;
+    long style = 0, tabs = from.count > kManyUnits ? kMostTabs : from.count;  // their time grows with the square
     for (size_t i = 0; i < count;) {
         uint32_t c = from.units[i];
+        if (c == '\t' && --tabs < 0) c = ' ';
         size_t taken = 1;
         if (c >= 0xD800 && c < 0xDC00 && i + 1 < count && from.units[i + 1] >= 0xDC00 && from.units[i + 1] < 0xE000) {
             c = 0x10000 + ((c - 0xD800) << 10) + (from.units[i + 1] - 0xDC00U);
@@ -156,10 +159,16 @@ static int PangoUnits(double points) {
     return static_cast<int>(std::clamp(points, -kMostPangoPoints, kMostPangoPoints) * PANGO_SCALE);
 }
 
-static double ScaleOf(const ZRGTypesetting& from) {
-    double most = 0;
-    for (long i = 0; i < from.styleCount; ++i) most = std::max(most, from.styles[i].font->size);
-    return most >= kLeastSize && most <= kMostSize ? 1 : most / kMiddlingSize;
+// So that a line of all units stays within what Pango can count, and no font is too small for its grid.
+static double ScaleOf(const ZRGTypesetting& from, const Bytes& bytes) {
+    double most = 0, reach = bytes.text.find('\t') != std::string::npos ? kTabStop : 0;
+    for (long i = 0; i < from.styleCount; ++i) {
+        most = std::max(most, from.styles[i].font->size);
+        reach = std::max(reach, from.styles[i].font->size + std::abs(from.styles[i].spacing));
+    }
+    double limit = std::min(kMostSize, kMostReach / static_cast<double>(from.count));
+    if (reach > limit) return reach / limit;
+    return most < kLeastSize ? most / std::min(kMiddlingSize, limit) : 1;
 }
 
 static PangoAttrList* AttributesOf(const ZRGTypesetting& from, const Bytes& bytes, double scale) {
@@ -327,8 +336,8 @@ static ZRGTypeset* SetText(const ZRGTypesetting* from) {
     try {
         TextThread& thread = ThisThread();
         auto set = std::make_unique<Typeset>();
-        set->scale = ScaleOf(*from);
         Bytes bytes = ToBytes(*from);
+        set->scale = ScaleOf(*from, bytes);
         if (from->direction != kZRGAsText)
             pango_context_set_base_dir(thread.context,
                                        from->direction == kZRGRightToLeft ? PANGO_DIRECTION_RTL : PANGO_DIRECTION_LTR);

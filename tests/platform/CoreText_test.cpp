@@ -361,6 +361,14 @@ TEST(CTLine, VeryLong_IsAsWideAsItsParts) {
     EXPECT_NEAR(Line(noBlank).Width(), 250000 * Width(u"n"), 5);
 }
 
+TEST(CTLine, VeryLongInALargeFont_DoesNotWrapAround) {
+    std::u16string text(100000, u'n');
+    EXPECT_NEAR(Line(text, {.size = 900}).Width() / (100000 * Width(u"n", {.size = 900})), 1, 1e-3);
+    EXPECT_NEAR(Line(text, {.kern = 5000}).Width() / (100000 * (Width(u"n") + 5000)), 1, 1e-3);
+    std::u16string tabs(100000, u'\t');
+    EXPECT_NEAR(Line(tabs).Width(), 1000 * 28 + 99000 * Width(u" "), 100) << "many tabs are blanks";
+}
+
 TEST(CTLine, NullObjects_AnswerNeutrally) {
     EXPECT_EQ(CTLineCreateWithAttributedString(nullptr), nullptr);
     CGFloat ascent = 1;
