@@ -207,8 +207,8 @@ std::vector<Written> DrawPages(const Order& order, const std::vector<Scene>& sce
         progress->step(scene.name);
         std::vector<std::string> leftOut;
         pdf.addPage(scene, &leftOut);
-        written.push_back({order.output, scene.name, Format::Pdf, scene.width, scene.height,
-                           static_cast<long>(written.size()) + 1});
+        written.push_back(
+            {order.output, scene.name, Format::Pdf, scene.width, scene.height, static_cast<long>(written.size()) + 1});
     }
     std::string bytes = pdf.finish();
     WriteFile(order.output, bytes);

@@ -19,7 +19,7 @@ namespace zrtool {
 
 namespace {
 
-constexpr size_t kLargestText = 4 << 20;  // bytes
+constexpr size_t kLargestText = 4 << 20;                       // bytes
 constexpr long kLargestSize = 32767, kLargestWidth = 1000000;  // points
 
 struct Asked {
@@ -70,8 +70,8 @@ int WholePoints(const Arguments& arguments, const char* option, long most, int p
 void NeedDrawing() {
     const ZRSharedObjectState* state = ZRSharedObjectGetState(kZRObjectGraphics);
     if (!state || !state->available)
-        throw Refusal{std::string(state ? state->file : "the drawing object") +
-                      " is missing; it needs the packages " + (state ? state->packages : "")};
+        throw Refusal{std::string(state ? state->file : "the drawing object") + " is missing; it needs the packages " +
+                      (state ? state->packages : "")};
 }
 
 // Facts ------------------------------------------------------------------------------------------------------------
@@ -143,8 +143,10 @@ void PrintMeasures(const Measures& measures, bool json) {
     const struct {
         const char* key;
         double value;
-    } rows[] = {{"width", measures.width},   {"rounded", static_cast<double>(measures.rounded)},
-                {"height", measures.height}, {"ascent", measures.ascent},
+    } rows[] = {{"width", measures.width},
+                {"rounded", static_cast<double>(measures.rounded)},
+                {"height", measures.height},
+                {"ascent", measures.ascent},
                 {"below", measures.below}};
     std::string out = json ? "{" : "";
     for (const auto& row : rows) {

@@ -114,15 +114,18 @@ static constexpr CommandRow kCommands[] = {
      "interpreter: number, name, whether the interpreter can run it, and whether it may run on a preemptive process.",
      kCommandsOptions, nullptr, ListCommands},
     {"draw", "SCENE...", 0, 1 << 20, "Draw scenes as SVG, PNG or PDF.",
-     "Draws scenes. A scene is JSON, a size and a list of calls, each with the arguments of one primitive of the drawing "
+     "Draws scenes. A scene is JSON, a size and a list of calls, each with the arguments of one primitive of the "
+     "drawing "
      "library; - is standard input. Coordinates are points, to the right and down from the top left corner.\n\n"
      "  {\"width\":200, \"height\":60, \"calls\":[\n"
      "    {\"rect\":{\"box\":[10,10,180,40], \"radius\":8, \"fill\":\"#2F6DB5\"}},\n"
      "    {\"textLayout\":{\"text\":\"Hello\", \"box\":[10,10,180,40], \"align\":\"center\",\n"
      "      \"vertical\":\"center\", \"fill\":\"White\"}}\n"
      "  ]}\n\n"
-     "The calls: rect, rects, oval, line, lines, arc, path, text, alignedText, textLayout, styledText, picture, region, "
-     "gradient, shadow, shading, clip, clear, layer, transform, properties. What is wrong in a scene is told on standard "
+     "The calls: rect, rects, oval, line, lines, arc, path, text, alignedText, textLayout, styledText, picture, "
+     "region, "
+     "gradient, shadow, shading, clip, clear, layer, transform, properties. What is wrong in a scene is told on "
+     "standard "
      "error with the path of the value, and then nothing is written.\n\n"
      "  zr draw chart.json -o chart.svg\n"
      "  zr draw chart.json -o chart.png --dpi 144\n"
@@ -131,7 +134,8 @@ static constexpr CommandRow kCommands[] = {
      kDrawOptions, ".json", DrawScenes},
     {"text", "width|wrap TEXT", 2, 2, "Measure a text, or break it into lines.",
      "Shows what the exported commands of the library give for a text in a font; TEXT may be - for standard input.\n\n"
-     "zr text width prints the width in points, rounded and exact, height, ascent and what is left below the base line, "
+     "zr text width prints the width in points, rounded and exact, height, ascent and what is left below the base "
+     "line, "
      "and the family that the name of the font leads to. zr text wrap prints the lines that the text breaks into at "
      "--width.\n\n"
      "  zr text width 'Hello, world' --font 'Liberation Serif' --size 18\n"

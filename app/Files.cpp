@@ -45,8 +45,7 @@ std::string ReadTextFile(const std::string& path, size_t most, const char* what)
         throw Refusal{ShownPath(path) + " is larger than " + std::to_string(most >> 20) + " MiB, the limit for one " +
                       what};
     if (bytes.starts_with(kByteOrderMark)) bytes.erase(0, kByteOrderMark.size());
-    if (zrhost::ToUtf8(zrhost::FromUtf8(bytes)) != bytes)
-        throw Refusal{ShownPath(path) + " is not a text in UTF-8"};
+    if (zrhost::ToUtf8(zrhost::FromUtf8(bytes)) != bytes) throw Refusal{ShownPath(path) + " is not a text in UTF-8"};
     return bytes;
 }
 

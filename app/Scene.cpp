@@ -18,6 +18,7 @@
 #include "app/Messages.h"
 #include "app/Source.h"
 #include "graphics/ZR_API_Font.h"
+#include "graphics/ZR_API_MultiStyleText.h"
 #include "graphics/ZR_API_Path.h"
 
 namespace zrtool {
@@ -163,9 +164,12 @@ static bool DecodeBase64(std::string_view text, std::string* bytes) {
 struct Affine {
     double a = 1, b = 0, c = 0, d = 1, tx = 0, ty = 0;
     void then(const Affine& next) {
-        *this = {a * next.a + b * next.c,   a * next.b + b * next.d,
-                 c * next.a + d * next.c,   c * next.b + d * next.d,
-                 tx * next.a + ty * next.c + next.tx, tx * next.b + ty * next.d + next.ty};
+        *this = {a * next.a + b * next.c,
+                 a * next.b + b * next.d,
+                 c * next.a + d * next.c,
+                 c * next.b + d * next.d,
+                 tx * next.a + ty * next.c + next.tx,
+                 tx * next.b + ty * next.d + next.ty};
     }
 };
 
@@ -227,6 +231,7 @@ class Reader {
     bool calls(const Json& json, const std::string& path, std::vector<SceneCall>* out);
     bool call(const Json& json, const std::string& path, SceneCall* out);
     void sizes(const SceneCall& call);
+    void spans(const SceneCall& call);
     void define(const Json& json);
 
     const SceneSource& source_;
@@ -282,11 +287,14 @@ bool Reader::onlyKeys(const Json& json, const std::string& path, std::vector<con
 
 // Plain values
 
-std::string RangeShown(const char* what, double least, double most) {
-    return std::string(what) + " from " + ShortestNumber(least) + " to " + ShortestNumber(most);
+std::string NumberShown(double number) {
+    bool isWhole = number == std::floor(number) && std::fabs(number) < 1e15;
+    return isWhole ? std::to_string(static_cast<long>(number)) : ShortestNumber(number);
 }
 
-std::string NumberShown(double number) { return std::isfinite(number) ? ShortestNumber(number) : "infinity"; }
+std::string RangeShown(const char* what, double least, double most) {
+    return std::string(what) + " from " + NumberShown(least) + " to " + NumberShown(most);
+}
 
 bool Reader::number(const Json& json, const std::string& path, double least, double most, double* out) {
     if (!json.is_number()) return problem(path, "a number is expected");
@@ -357,8 +365,8 @@ bool Reader::segments(const Json& json, const std::string& path, SceneSegments* 
     for (size_t i = 0; i < json.size(); ++i) {
         double v[4] = {};
         good &= coordinates(json[i], Element(path, i), "a line [x1, y1, x2, y2]", 4, v);
-        out->rects.push_back({static_cast<float>(v[1]), static_cast<float>(v[0]), static_cast<float>(v[2]),
-                              static_cast<float>(v[3])});
+        out->rects.push_back(
+            {static_cast<float>(v[1]), static_cast<float>(v[0]), static_cast<float>(v[2]), static_cast<float>(v[3])});
     }
     return good;
 }
@@ -405,8 +413,8 @@ bool Reader::colourOfText(const std::string& text, const std::string& path, ZR_R
     if (found) *out = *found;
     if (found) return true;
     std::string near = Near(text, KeysOf(colours_));
-    return problem(path, kColourWanted + (near.empty() ? ", not " + Quoted(text)
-                                                       : "; did you mean " + Quoted(near) + "?"));
+    return problem(path,
+                   kColourWanted + (near.empty() ? ", not " + Quoted(text) : "; did you mean " + Quoted(near) + "?"));
 }
 
 bool Reader::colour(const Json& json, const std::string& path, ZR_RGBColor* out) {
@@ -448,8 +456,8 @@ bool Reader::font(const Json& json, const std::string& path, SceneFont* out) {
 
 bool Reader::gradientShape(const Json& json, const std::string& path, SceneGradient* out) {
     std::string shapePath = Member(path, out->linear ? "linear" : "radial");
-    if (!isObject(json, shapePath, out->linear ? "{\"from\":[x, y],\"to\":[x, y]}"
-                                               : "{\"center\":[x, y],\"radius\":r}"))
+    if (!isObject(json, shapePath,
+                  out->linear ? "{\"from\":[x, y],\"to\":[x, y]}" : "{\"center\":[x, y],\"radius\":r}"))
         return false;
     bool good = out->linear ? onlyKeys(json, shapePath, {"from", "to"})
                             : onlyKeys(json, shapePath, {"center", "focus", "radius"});
@@ -462,8 +470,7 @@ bool Reader::gradientShape(const Json& json, const std::string& path, SceneGradi
     if (out->linear) return good;
     if (json.contains("focus")) good &= point(json["focus"], Member(shapePath, "focus"), &out->to);
     double radius = 0;
-    if (json.contains(second))
-        good &= number(json[second], Member(shapePath, second), 0, kLargestCoordinate, &radius);
+    if (json.contains(second)) good &= number(json[second], Member(shapePath, second), 0, kLargestCoordinate, &radius);
     out->radius = static_cast<float>(radius);
     return good;
 }
@@ -487,8 +494,8 @@ bool Reader::stops(const Json& json, const std::string& path, SceneGradient* out
 }
 
 bool Reader::gradient(const Json& json, const std::string& path, SceneGradient* out) {
-    static constexpr ArgumentRow kUnits = {
-        "units", ArgumentKind::Word, false, nullptr, nullptr, "percent|points", 0, 0, 0};
+    static constexpr ArgumentRow kUnits = {"units", ArgumentKind::Word, false, nullptr, nullptr, "percent|points", 0, 0,
+                                           0};
     if (!isObject(json, path, "a gradient with linear or radial, and stops,")) return false;
     bool good = onlyKeys(json, path, {"linear", "radial", "units", "matrix", "stops"});
     bool linear = json.contains("linear"), radial = json.contains("radial");
@@ -563,7 +570,7 @@ bool Reader::matrix(const Json& json, const std::string& path, ZR_Matrix* out) {
     if (!json.is_array()) return problem(path, std::string(kMatrixWanted) + " is expected");
     Affine all;
     bool good = true;
-    if (json.size() == 6 && json[0].is_number()) {
+    if (!json.empty() && json[0].is_number()) {
         double v[6] = {};
         good = coordinates(json, path, kMatrixWanted, 6, v);
         all = {v[0], v[1], v[2], v[3], v[4], v[5]};
@@ -709,14 +716,29 @@ SceneValue Reader::value(const Json& json, const std::string& path, const Argume
     return {};
 }
 
+// Spans that cannot be read would end the text in front of them.
+void Reader::spans(const SceneCall& call) {
+    if (call.primitive != FindPrimitive("styledText") || !call.has("text")) return;
+    Text styled(call.get<std::u16string>("text")), plain;
+    ZR_MultiStyleText runs;
+    ZR_Font font;
+    ZR_RGBColor black{0, 0, 0, 1};
+    font.Create();
+    if (!runs.CreateWith4DStyledText(styled.get(), plain.get(), &font, &black))
+        problem(Member(call.path, "text"), "a span that cannot be read; <SPAN STYLE=\"...\"> or <SPAN> is expected");
+    runs.Dispose();
+    font.Dispose();
+}
+
 // What one argument asks of another.
 void Reader::sizes(const SceneCall& call) {
     if (call.primitive != FindPrimitive("rects") || !call.has("boxes") || !call.has("fills")) return;
     size_t boxes = call.get<std::vector<ZR_Rect>>("boxes").size();
     size_t fills = call.get<std::vector<ZR_RGBColor>>("fills").size();
     if (boxes != fills)
-        problem(Member(call.path, "fills"), std::to_string(boxes) + " colours are expected, one for each of the boxes, not " +
-                                                std::to_string(fills));
+        problem(
+            Member(call.path, "fills"),
+            std::to_string(boxes) + " colours are expected, one for each of the boxes, not " + std::to_string(fills));
 }
 
 bool Reader::call(const Json& json, const std::string& path, SceneCall* out) {
@@ -746,6 +768,7 @@ bool Reader::call(const Json& json, const std::string& path, SceneCall* out) {
         else out->values.emplace_back();
     }
     sizes(*out);
+    spans(*out);
     return good;
 }
 
@@ -851,9 +874,7 @@ Scene ReadScene(const SceneSource& source, std::vector<SceneProblem>* problems) 
         json = Json::parse(source.bytes, std::ref(keys));
     } catch (const Json::parse_error& error) {
         problems->push_back({"", PlaceOf(source.bytes, error.byte) + "this is not JSON: " + WordsOf(error.what())});
-    } catch (const Json::exception& error) {
-        problems->push_back({"", "this is not JSON: " + WordsOf(error.what())});
-    }
+    } catch (const Json::exception& error) { problems->push_back({"", "this is not JSON: " + WordsOf(error.what())}); }
     if (problems->empty() && !keys.twice.empty())
         problems->push_back({"", "the key " + Quoted(keys.twice) + " stands twice in one object"});
     return problems->empty() ? Reader(source, problems).scene(json) : Scene{};

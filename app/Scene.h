@@ -61,10 +61,10 @@ class ScenePicture {
 };
 
 struct SceneCall;
-using SceneValue = std::variant<std::monostate, double, long, bool, std::u16string, ZR_RGBColor, ZR_Point, ZR_Rect,
-                                ZR_Matrix, SceneFont, SceneGradient, SceneDash, SceneSegments, std::vector<ZR_Rect>,
-                                std::vector<ZR_RGBColor>, SceneProperties, std::vector<ZR_RegionRecord>,
-                                std::shared_ptr<ScenePicture>, std::vector<SceneCall>>;
+using SceneValue =
+    std::variant<std::monostate, double, long, bool, std::u16string, ZR_RGBColor, ZR_Point, ZR_Rect, ZR_Matrix,
+                 SceneFont, SceneGradient, SceneDash, SceneSegments, std::vector<ZR_Rect>, std::vector<ZR_RGBColor>,
+                 SceneProperties, std::vector<ZR_RegionRecord>, std::shared_ptr<ScenePicture>, std::vector<SceneCall>>;
 
 struct SceneCall {
     const PrimitiveRow* primitive = nullptr;
@@ -101,10 +101,10 @@ struct SceneProblem {
 };
 
 struct SceneSource {
-    std::string name;         // for messages
-    std::string bytes;        // JSON in UTF-8
-    std::string folder;       // that pictures are looked for in, with "/"; empty = where the tool was started
-    bool readsFiles = true;   // false = pictures by data: URL alone
+    std::string name;        // for messages
+    std::string bytes;       // JSON in UTF-8
+    std::string folder;      // that pictures are looked for in, with "/"; empty = where the tool was started
+    bool readsFiles = true;  // false = pictures by data: URL alone
 };
 
 // The scene, or what is wrong with it: problems is not empty then. Pictures need a started host.

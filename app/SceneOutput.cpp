@@ -5,6 +5,7 @@
 #include "app/ScenePainter.h"
 #include "graphics/ZR_API_SVGDocument.h"
 #include "platform/CoreGraphics/CoreGraphics.h"
+#include "platform/SVG/SVGTextArea.h"
 #include "platform/SharedObject.h"
 #include "plugin/ZR_API_Plugin.h"
 
@@ -76,6 +77,8 @@ SceneDrawing DrawSvg(const Scene& scene, bool plain) {
     Block xml;
     device->GetSVGBLOB(xml.get());
     drawing.bytes = xml.bytes();
+    std::string lines;  // what shows SVG has no text areas
+    if (!plain && ZRSVGReplaceTextAreas(drawing.bytes, &lines)) drawing.bytes = std::move(lines);
     if (drawing.bytes.empty()) RefuseOutput(scene);
     return drawing;
 }

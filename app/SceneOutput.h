@@ -23,14 +23,14 @@ class DrawingHost {
     std::unique_ptr<zrhost::Host> host_;
 };
 
-inline constexpr long kHighestResolution = 2400;       // dpi
-inline constexpr double kMostPixelsASide = 32767;      // of a bitmap
-inline constexpr double kMostPixels = 134217728;       // of a bitmap in all: 2^27
+inline constexpr long kHighestResolution = 2400;   // dpi
+inline constexpr double kMostPixelsASide = 32767;  // of a bitmap
+inline constexpr double kMostPixels = 134217728;   // of a bitmap in all: 2^27
 
 struct SceneDrawing {
-    std::string bytes;                 // of the file
+    std::string bytes;                     // of the file
     long pixelWidth = 0, pixelHeight = 0;  // PNG alone
-    std::vector<std::string> leftOut;  // paths of calls that the format has no form of
+    std::vector<std::string> leftOut;      // paths of calls that the format has no form of
 };
 
 // All of these throw Refusal where an object is missing or there is no memory.

@@ -76,7 +76,9 @@ void AddAttributes(const SceneProperties* own, const std::vector<std::pair<std::
 // What several primitives take, as the library wants it.
 class CallArguments {
   public:
-    CallArguments(const SceneCall& call, const std::vector<std::pair<std::string, std::string>>& more);
+    // gradient: instead of the call's own; null = that
+    CallArguments(const SceneCall& call, const std::vector<std::pair<std::string, std::string>>& more,
+                  const SceneGradient* gradient = nullptr);
     ~CallArguments();
     CallArguments(const CallArguments&) = delete;
     CallArguments& operator=(const CallArguments&) = delete;
@@ -87,7 +89,6 @@ class CallArguments {
     ZR_Handle* properties() { return properties_.get(); }
 
   private:
-    void readGradient(const SceneGradient& source);
     std::optional<ZR_Matrix> matrix_;
     ZR_Gradient gradient_;
     ZR_LineDash dash_;
@@ -119,9 +120,11 @@ void MakeDash(const SceneDash& source, ZR_LineDash* out) {
     out->Create(source.phase, lengths, static_cast<long>(source.lengths.size()));
 }
 
-CallArguments::CallArguments(const SceneCall& call, const std::vector<std::pair<std::string, std::string>>& more) {
+CallArguments::CallArguments(const SceneCall& call, const std::vector<std::pair<std::string, std::string>>& more,
+                             const SceneGradient* gradient) {
     if (Takes(call, "matrix")) matrix_ = call.get<ZR_Matrix>("matrix");
-    if (Takes(call, "gradient")) MakeGradient(call.get<SceneGradient>("gradient"), &gradient_), hasGradient_ = true;
+    hasGradient_ = Takes(call, "gradient");
+    if (hasGradient_) MakeGradient(gradient ? *gradient : call.get<SceneGradient>("gradient"), &gradient_);
     if (Takes(call, "dash")) MakeDash(call.get<SceneDash>("dash"), &dash_), hasDash_ = true;
     AddAttributes(Takes(call, "properties") ? call.find<SceneProperties>("properties") : nullptr, more, &properties_);
 }
@@ -247,6 +250,43 @@ ZR_Matrix Product(const ZR_Matrix& first, const ZR_Matrix* second) {
     return product;
 }
 
+// Percent of a box as points. A radius is one of the height, drawn out to the width.
+SceneGradient InPoints(SceneGradient gradient, const ZR_Rect& box) {
+    if (!gradient.percent) return gradient;
+    float width = box.right - box.left, height = box.bottom - box.top;
+    auto place = [&](ZR_Point p) { return ZR_Point{p.x / 100 * width + box.left, p.y / 100 * height + box.top}; };
+    bool ownFocus = gradient.linear || gradient.to.x != 0 || gradient.to.y != 0;
+    gradient.from = place(gradient.from);
+    if (ownFocus) gradient.to = place(gradient.to);
+    gradient.percent = false;
+    if (gradient.linear || height <= 0 || width <= 0) return gradient;
+    float stretch = width / height;
+    gradient.radius = gradient.radius / 100 * height;
+    gradient.from.x /= stretch;
+    if (ownFocus) gradient.to.x /= stretch;
+    ZR_Matrix stretched{stretch, 0, 0, 1, 0, 0};
+    gradient.matrix = Product(stretched, &gradient.matrix);
+    return gradient;
+}
+
+// A linear gradient under a matrix is another linear one: its lines of one colour are moved along.
+void BakeLinear(SceneGradient* gradient) {
+    const ZR_Matrix m = gradient->matrix;
+    double det = static_cast<double>(m.a) * m.d - static_cast<double>(m.b) * m.c;
+    double dx = gradient->to.x - gradient->from.x, dy = gradient->to.y - gradient->from.y;
+    double length = dx * dx + dy * dy;
+    if (std::fabs(det) < 1e-9 || length < 1e-9) return;
+    double gx = (m.d * dx - m.b * dy) / det / length, gy = (m.a * dy - m.c * dx) / det / length;
+    double slope = gx * gx + gy * gy;
+    m.TransformPoint(&gradient->from);
+    gradient->to = {static_cast<float>(gradient->from.x + gx / slope),
+                    static_cast<float>(gradient->from.y + gy / slope)};
+    gradient->matrix.SetIdentity();
+}
+
+// The matrix of y down as GetSystemMatrix wants it to give the same on an unflipped context of that height.
+ZR_Matrix ForSystem(const ZR_Matrix& m, float height) { return {m.a, -m.b, -m.c, m.d, m.tx + m.c * height, m.ty}; }
+
 }  // namespace
 
 // An element with its attributes below another one.
@@ -343,16 +383,49 @@ ScenePainter::Attributes ScenePainter::lineAttributes(const SceneCall& call) con
     static constexpr const char* kCaps[] = {"butt", "round", "square"};
     if (Takes(call, "join") && call.whole("join") > 0)
         attributes.emplace_back("stroke-linejoin", kJoins[call.whole("join")]);
-    if (Takes(call, "cap") && call.whole("cap") > 0) attributes.emplace_back("stroke-linecap", kCaps[call.whole("cap")]);
+    if (Takes(call, "cap") && call.whole("cap") > 0)
+        attributes.emplace_back("stroke-linecap", kCaps[call.whole("cap")]);
     if (!call.flag("antialias")) attributes.emplace_back("shape-rendering", "crispEdges");
     return attributes;
 }
 
 // Shapes -----------------------------------------------------------------------------------------------------------
 
+// The gradient that makes the library draw the one of the scene: its own matrix in the scene's points, and under the
+// matrix of a call in the place where pixels look for it. local: paths, which pixels draw in a space of their own.
+std::optional<SceneGradient> ScenePainter::preparedGradient(const SceneCall& call, const ZR_Rect& box,
+                                                            bool local) const {
+    const SceneGradient* given = call.find<SceneGradient>("gradient");
+    if (!given || (device_->svg && plain_)) return std::nullopt;
+    SceneGradient gradient = *given;
+    float height = device_->bounds.bottom - device_->bounds.top, boxHeight = box.bottom - box.top;
+    const ZR_Matrix* matrix = call.find<ZR_Matrix>("matrix");
+    bool underMatrix = matrix && !matrix->IsIdentity();
+    // The box around a turned path is not the same for all that show SVG.
+    bool points = !gradient.matrix.IsIdentity() || (device_->svg && local && underMatrix);
+    if (points) gradient = InPoints(gradient, box);
+    if (gradient.linear && !gradient.matrix.IsIdentity()) BakeLinear(&gradient);
+    if (device_->svg) return gradient;
+    if (!underMatrix) {
+        gradient.matrix = ForSystem(gradient.matrix, height);
+        return gradient;
+    }
+    if (local && gradient.percent) return gradient;
+    bool ownFocus = gradient.linear || gradient.to.x != 0 || gradient.to.y != 0;
+    auto move = [&](ZR_Point* p) {
+        if (local) *p = {p->x - box.left, height - box.bottom + p->y};
+        else if (!gradient.percent) p->y = height - p->y;
+        else if (boxHeight > 0) p->y = 100 * (height - 2 * box.top) / boxHeight - p->y;
+    };
+    move(&gradient.from);
+    if (ownFocus) move(&gradient.to);
+    return gradient;
+}
+
 void ScenePainter::rect(const SceneCall& call) {
-    CallArguments arguments(call, lineAttributes(call));
     ZR_Rect box = call.get<ZR_Rect>("box");
+    auto gradient = preparedGradient(call, box, /*local*/ false);
+    CallArguments arguments(call, lineAttributes(call), gradient ? &*gradient : nullptr);
     Paint fill(call, "fill"), stroke(call, "stroke");
     float radius = call.number("radius");  // the library wants the diameter
     device_->DrawRect(&box, fill.used() || arguments.gradient(), stroke.used(), fill.get(), stroke.get(),
@@ -369,8 +442,9 @@ void ScenePainter::rects(const SceneCall& call) {
 }
 
 void ScenePainter::oval(const SceneCall& call) {
-    CallArguments arguments(call, lineAttributes(call));
     ZR_Rect box = call.get<ZR_Rect>("box");
+    auto gradient = preparedGradient(call, box, /*local*/ false);
+    CallArguments arguments(call, lineAttributes(call), gradient ? &*gradient : nullptr);
     Paint fill(call, "fill"), stroke(call, "stroke");
     device_->DrawOval(&box, fill.used() || arguments.gradient(), stroke.used(), fill.get(), stroke.get(),
                       call.number("lineWidth"), call.flag("antialias"), arguments.matrix(), arguments.gradient(),
@@ -382,8 +456,8 @@ void ScenePainter::line(const SceneCall& call) {
     ZR_Point from = call.get<ZR_Point>("from"), to = call.get<ZR_Point>("to");
     Paint stroke(call, "stroke");
     device_->DrawLine(from.x, from.y, to.x, to.y, stroke.get(), call.number("lineWidth"), call.flag("antialias"),
-                      static_cast<short>(call.whole("join")), static_cast<short>(call.whole("cap")),
-                      arguments.matrix(), arguments.properties(), arguments.dash());
+                      static_cast<short>(call.whole("join")), static_cast<short>(call.whole("cap")), arguments.matrix(),
+                      arguments.properties(), arguments.dash());
 }
 
 void ScenePainter::lines(const SceneCall& call) {
@@ -438,7 +512,8 @@ void ScenePainter::path(const SceneCall& call) {
             if (call.whole("rule") == ZR_FILL_EVENODD) more.emplace_back("fill-rule", "evenodd");
         }
     }
-    CallArguments arguments(call, more);
+    auto gradient = preparedGradient(call, target, /*local*/ true);
+    CallArguments arguments(call, more, gradient ? &*gradient : nullptr);
     Paint fill(call, "fill"), stroke(call, "stroke");
     device_->DrawPath(smooth, records, &target, &bounds, fill.used() || arguments.gradient(), stroke.used(), fill.get(),
                       stroke.get(), call.number("lineWidth"), call.flag("antialias"), arguments.matrix(),
@@ -476,6 +551,9 @@ void ScenePainter::drawTextLine(const SceneCall& call, ZR_Text* text, float x, f
         helped = Product(helped, matrix);
         if (!matrix && rotation != 0) before = turnClip(&helped);
         matrix = &helped;
+    } else if (matrix && !device_->svg) {
+        *matrix = ForSystem(*matrix, device_->bounds.bottom - device_->bounds.top);
+        rotation = 0;  // only moves the text to the origin there
     }
     device_->DrawText(text, x, y, font.get(), fill.get(), rotation, call.flag("antialias"), matrix,
                       arguments.properties());
@@ -501,8 +579,10 @@ void ScenePainter::alignedText(const SceneCall& call) {
     Font font(call.get<SceneFont>("font"));
     Paint fill(call, "fill");
     CallArguments arguments(call, {});
+    ZR_Matrix* matrix = arguments.matrix();
+    if (matrix && !device_->svg) *matrix = ForSystem(*matrix, device_->bounds.bottom - device_->bounds.top);
     device_->DrawTextAlignment(text.get(), left, right, y, font.get(), fill.get(), static_cast<ZR_Alignment>(align),
-                               call.number("rotation"), call.flag("antialias"), arguments.matrix(),
+                               matrix ? 0 : call.number("rotation"), call.flag("antialias"), matrix,
                                arguments.properties());
 }
 
@@ -542,7 +622,8 @@ void ScenePainter::styledText(const SceneCall& call) {
 
 // Pictures and layers ----------------------------------------------------------------------------------------------
 
-static constexpr long kCentred = 1, kStretched = 2, kTopLeft = 3, kTopLeftToo = 4, kFittedAtTop = 5, kFitted = 6, kTiled = 7;
+static constexpr long kCentred = 1, kStretched = 2, kTopLeft = 3, kTopLeftToo = 4, kFittedAtTop = 5, kFitted = 6,
+                      kTiled = 7;
 static constexpr float kMostRows = 1000;  // of tiles in SVG
 
 // Where pixels show it in natural size or fitted; the library's SVG knows the box alone.
@@ -676,7 +757,8 @@ void ScenePainter::region(const SceneCall& call) {
     Attributes dashes;
     if (svgHelped() && call.has("dash")) {
         std::string lengths;
-        for (float length : call.get<SceneDash>("dash").lengths) lengths += (lengths.empty() ? "" : " ") + Number(length);
+        for (float length : call.get<SceneDash>("dash").lengths)
+            lengths += (lengths.empty() ? "" : " ") + Number(length);
         dashes.emplace_back("stroke-dasharray", lengths);
     }
     if (svgHelped()) {  // what FrameRegion writes
@@ -700,33 +782,15 @@ void ScenePainter::fillClip(ZR_Rect rect, const SceneGradient& gradient) {
     made.Dispose();
 }
 
-// Percent of a box as points. A radius is one of the height, drawn out to the width.
-static SceneGradient InPoints(SceneGradient gradient, const ZR_Rect& box) {
-    if (!gradient.percent) return gradient;
-    float width = box.right - box.left, height = box.bottom - box.top;
-    auto place = [&](ZR_Point p) { return ZR_Point{p.x / 100 * width + box.left, p.y / 100 * height + box.top}; };
-    bool ownFocus = gradient.linear || gradient.to.x != 0 || gradient.to.y != 0;
-    gradient.from = place(gradient.from);
-    if (ownFocus) gradient.to = place(gradient.to);
-    gradient.percent = false;
-    if (gradient.linear || height <= 0 || width <= 0) return gradient;
-    float stretch = width / height;
-    gradient.radius = gradient.radius / 100 * height;
-    gradient.from.x /= stretch;
-    if (ownFocus) gradient.to.x /= stretch;
-    ZR_Matrix stretched{stretch, 0, 0, 1, 0, 0};
-    gradient.matrix = Product(stretched, &gradient.matrix);
-    return gradient;
-}
-
 void ScenePainter::gradient(const SceneCall& call) {
-    const auto& source = call.get<SceneGradient>("gradient");
     ZR_Rect box = call.has("box") ? call.get<ZR_Rect>("box") : wholeBounds();
+    SceneGradient source = call.get<SceneGradient>("gradient");
     if (device_->svg) return plain_ ? leaveOut(call) : fillClip(wholeBounds(), InPoints(source, box));
-    CallArguments arguments(call, {});
+    if (!source.matrix.IsIdentity()) source = InPoints(source, box);
+    CallArguments arguments(call, {}, &source);
     CGContextSaveGState(device_->context);
     if (!source.matrix.IsIdentity()) {
-        ZR_Matrix matrix = source.matrix;
+        ZR_Matrix matrix = ForSystem(source.matrix, device_->bounds.bottom - device_->bounds.top);
         CGContextConcatCTM(device_->context, device_->GetSystemMatrix(&matrix));
     }
     device_->DrawGradient(arguments.gradient(), &box);  // leaves the scale of percent in the context

@@ -4,6 +4,7 @@
 #ifndef ZRTOOL_SCENEPAINTER_H
 #define ZRTOOL_SCENEPAINTER_H
 
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -54,6 +55,7 @@ class ScenePainter {
     void paintCalls(const std::vector<SceneCall>& calls);
     void leaveOut(const SceneCall& call);
     void setDeviceProperties(const Attributes& more);
+    std::optional<SceneGradient> preparedGradient(const SceneCall& call, const ZR_Rect& box, bool local) const;
     Attributes lineAttributes(const SceneCall& call) const;
     void drawTextLine(const SceneCall& call, ZR_Text* text, float x, float y, const Attributes& more);
     void fillClip(ZR_Rect rect, const SceneGradient& gradient);

@@ -42,7 +42,8 @@ static constexpr ArgumentRow kLineColour =
     Of("stroke", ArgumentKind::Colour, kOptional, "\"#000000\"", "Colour of the line.");
 static constexpr ArgumentRow kTextColour =
     Of("fill", ArgumentKind::Colour, kOptional, "\"#000000\"", "Colour of the text.");
-static constexpr ArgumentRow kLineWidth = NumberOf("lineWidth", kOptional, "1", 0, kFar, "Width of the line in points.");
+static constexpr ArgumentRow kLineWidth =
+    NumberOf("lineWidth", kOptional, "1", 0, kFar, "Width of the line in points.");
 static constexpr ArgumentRow kAntialias =
     Of("antialias", ArgumentKind::Flag, kOptional, "true", "Soft edges on pixels.");
 static constexpr ArgumentRow kMatrix =
@@ -132,14 +133,10 @@ static constexpr ArgumentRow kPath[] = {
     kDash,
 };
 static constexpr ArgumentRow kTextArguments[] = {
-    kText,
-    Of("at", ArgumentKind::Point, kNeeded, nullptr, "Left end of the base line."),
-    kFont,
-    kTextColour,
-    kRotation,
-    kAntialias,
-    kMatrix,
-    kProperties,
+    kText,     Of("at", ArgumentKind::Point, kNeeded, nullptr, "Left end of the base line."),
+    kFont,     kTextColour,
+    kRotation, kAntialias,
+    kMatrix,   kProperties,
 };
 static constexpr ArgumentRow kAlignedText[] = {
     kText,
@@ -173,15 +170,26 @@ static constexpr ArgumentRow kTextLayout[] = {
 static constexpr ArgumentRow kStyledText[] = {
     Of("text", ArgumentKind::Text, kNeeded, nullptr,
        "The text with <SPAN STYLE=\"...\"> and <BR/>; &amp; &lt; &gt; for & < >."),
-    kBox, kAlign, kVertical, kFont, kTextColour, kAntialias, kMatrix, kProperties, kWordWrap, kLineSpacing, kKerning,
+    kBox,
+    kAlign,
+    kVertical,
+    kFont,
+    kTextColour,
+    kAntialias,
+    kMatrix,
+    kProperties,
+    kWordWrap,
+    kLineSpacing,
+    kKerning,
     kKeepTop};
 static constexpr ArgumentRow kPicture[] = {
     Of("source", ArgumentKind::Picture, kNeeded, nullptr,
        "A file, relative to the scene, or a data: URL: JPEG, PNG, GIF, BMP, TIFF, PDF or SVG."),
     kBox,
-    WordOf("mode", "center|stretch|topLeft|topLeft4|fitTop|fit|tile", 1, "\"fit\"",
-           "Natural size in the middle, stretched, natural size at the top left (3 and 4), to fit at the top, to fit in "
-           "the middle, tiled."),
+    WordOf(
+        "mode", "center|stretch|topLeft|topLeft4|fitTop|fit|tile", 1, "\"fit\"",
+        "Natural size in the middle, stretched, natural size at the top left (3 and 4), to fit at the top, to fit in "
+        "the middle, tiled."),
     WordOf("align", "default|left|center|right|justified", 1, "\"default\"", "Where fitTop puts it."),
     NumberOf("opacity", kOptional, "1", 0, 1, "1 = opaque."),
     kMatrix,
@@ -366,8 +374,8 @@ static Json DefinitionsOfValues() {
     Json step = AnyOf({Closed({{"translate", point}}, {"translate"}),
                        Closed({{"rotate", AnyOf({factor, Tuple(3, factor)})}}, {"rotate"}),
                        Closed({{"scale", AnyOf({factor, Tuple(2, factor)})}}, {"scale"})});
-    Json regionStep = AnyOf(
-        {Closed({{"add", Reference("box")}}, {"add"}), Closed({{"subtract", Reference("box")}}, {"subtract"})});
+    Json regionStep =
+        AnyOf({Closed({{"add", Reference("box")}}, {"add"}), Closed({{"subtract", Reference("box")}}, {"subtract"})});
     Json region = ListOf(regionStep);
     region["maxItems"] = kMostRegionSteps;
     Json flag = {{"type", "boolean"}};
@@ -376,8 +384,11 @@ static Json DefinitionsOfValues() {
     return {
         {"coordinate", coordinate},
         {"point", Tuple(2, Reference("coordinate"))},
-        {"box", {{"type", "array"}, {"prefixItems", {coordinate, coordinate, length, length}}, {"minItems", 4},
-                 {"maxItems", 4}}},
+        {"box",
+         {{"type", "array"},
+          {"prefixItems", {coordinate, coordinate, length, length}},
+          {"minItems", 4},
+          {"maxItems", 4}}},
         {"name", {{"type", "string"}}},
         {"colour", AnyOf({{{"type", "string"}},
                           Closed({{"color", {{"type", "string"}}}, {"alpha", NumberSchema(0, 1)}}, {"color"})})},
@@ -413,9 +424,7 @@ static Json CallsSchema() {
     return ListOf(call);
 }
 
-static Json NamedValues(const char* kind) {
-    return {{"type", "object"}, {"additionalProperties", Reference(kind)}};
-}
+static Json NamedValues(const char* kind) { return {{"type", "object"}, {"additionalProperties", Reference(kind)}}; }
 
 std::string SceneSchema() {
     Json define = Closed({{"colours", NamedValues("colour")},

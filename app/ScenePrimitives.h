@@ -63,7 +63,7 @@ inline constexpr size_t kMostRegionSteps = 1000;
 inline constexpr size_t kMostDashes = 1000;
 
 std::span<const PrimitiveRow> Primitives();
-const PrimitiveRow* FindPrimitive(std::string_view name);  // null = none
+const PrimitiveRow* FindPrimitive(std::string_view name);          // null = none
 long NumberOfWord(const ArgumentRow& row, std::string_view word);  // -1 = not one of them
 std::string SceneSchema();                                         // JSON Schema, with a line end
 
