@@ -402,7 +402,7 @@ std::optional<SceneGradient> ScenePainter::preparedGradient(const SceneCall& cal
     const ZR_Matrix* matrix = call.find<ZR_Matrix>("matrix");
     bool underMatrix = matrix && !matrix->IsIdentity();
     // The box around a turned path is not the same for all that show SVG.
-    bool points = !gradient.matrix.IsIdentity() || (device_->svg && local && underMatrix);
+    bool points = !gradient.matrix.IsIdentity() || (device_->svg && underMatrix);
     if (points) gradient = InPoints(gradient, box);
     if (gradient.linear && !gradient.matrix.IsIdentity()) BakeLinear(&gradient);
     if (device_->svg) return gradient;
@@ -909,7 +909,7 @@ void ScenePainter::clear(const SceneCall& call) {
 
 void ScenePainter::transform(const SceneCall& call) {
     if (device_->svg) return leaveOut(call);
-    ZR_Matrix matrix = call.get<ZR_Matrix>("matrix");
+    ZR_Matrix matrix = ForSystem(call.get<ZR_Matrix>("matrix"), device_->bounds.bottom - device_->bounds.top);
     device_->SetTransform(&matrix);
 }
 

@@ -238,7 +238,7 @@ static constexpr ArgumentRow kLayer[] = {
 };
 static constexpr ArgumentRow kTransform[] = {
     Of("matrix", ArgumentKind::Matrix, kNeeded, nullptr,
-       "In force for later calls, instead of the one before; the clip is dropped. Pixels and PDF alone.")};
+       "Acts on later calls, within the transforms before it; the clip is dropped. Pixels and PDF alone.")};
 static constexpr ArgumentRow kDeviceProperties[] = {
     Of("set", ArgumentKind::Properties, kNeeded, nullptr,
        "Attributes of every SVG element from here on, instead of those before; they win over a call's own.")};

@@ -125,7 +125,7 @@ TEST(Draw, Svg_IsTheWholeDocument) {
               "<svg width=\"60\" height=\"40\" xmlns=\"http://www.w3.org/2000/svg\" "
               "xmlns:xlink=\"http://www.w3.org/1999/xlink\" viewBox=\"0 0 60 40\"><defs/>"
               "<rect x=\"0\" y=\"0\" width=\"60\" height=\"40\" fill=\"#FAFAFA\"/>"
-              "<rect x=\"10\" y=\"5\" width=\"20\" height=\"10\" fill=\"#FF0000\"/></svg>");
+              "<rect x=\"10\" y=\"5\" width=\"20\" height=\"10\" fill=\"#FF0000\"/></svg>\n");
 }
 
 TEST(Draw, Png_HasThePixelsAndTheResolution) {
@@ -338,8 +338,7 @@ std::vector<Primitive> Everything() {
     const std::string picture = R"({"picture":{"box":[5,5,50,30],"source":")" + PictureUrl() + R"(","mode":")";
     const std::string sky = R"("stops":[[0,"White"],[1,"Navy"]]})";
     return {
-        {"rect", R"({"rect":{"box":[5,5,50,30],"fill":"Teal","stroke":"Red","lineWidth":3,"radius":8,"dash":[6,4]}})",
-         "rect", 3},
+        {"rect", R"({"rect":{"box":[5,5,50,30],"fill":"Teal","stroke":"Red","lineWidth":3,"radius":8}})", "rect", 3},
         {"rects", R"({"rects":{"boxes":[[5,5,20,30],[30,5,20,30]],"fills":["Red","Blue"]}})", "rect", 0.5},
         {"oval", R"({"oval":{"box":[5,5,50,30],"fill":"Teal","stroke":"Red","lineWidth":3}})", "ellipse", 3},
         {"line", R"({"line":{"from":[5,5],"to":[50,35],"lineWidth":6,"cap":"round","dash":[10,8]}})", "line", 4},
@@ -477,14 +476,15 @@ TEST(Draw, Clear_MakesPixelsTransparent) {
     EXPECT_EQ(svg.err, "zr: <stdin>: calls[1].clear has no form in SVG and is left out\n");
 }
 
-TEST(Draw, Transform_HoldsForLaterCalls) {
+TEST(Draw, Transform_HoldsForLaterCallsWithinThoseBefore) {
     const std::string scene =
         SceneOf(R"({"transform":{"matrix":[{"translate":[20,10]}]}},{"rect":{"box":[0,0,10,10],"fill":"Red"}},)"
-                R"({"transform":{"matrix":[]}},{"rect":{"box":[50,0,10,10],"fill":"Red"}})");
+                R"({"transform":{"matrix":[{"rotate":90}]}},{"rect":{"box":[5,10,10,10],"fill":"Red"}})");
     Pixels pixels = Pixels::OfPng(Drawn(scene, "png").out, 60, 40);
     EXPECT_EQ(pixels.at(25, 15), kRed);
     EXPECT_EQ(pixels.at(5, 5), kWhite);
-    EXPECT_EQ(pixels.at(55, 5), kRed);
+    EXPECT_EQ(pixels.at(5, 20), kRed) << "turned to the right, within the one before";
+    EXPECT_EQ(pixels.at(15, 20), kWhite);
     EXPECT_EQ(Drawn(scene, "svg").err, "zr: <stdin>: calls[0].transform has no form in SVG and is left out\n");
 }
 
