@@ -90,6 +90,16 @@ static constexpr OptionRow kTextOptions[] = {
     {"json", 0, nullptr, "Print one JSON object and nothing else.", false, nullptr},
 };
 
+static constexpr OptionRow kPictureOptions[] = {
+    {"json", 0, nullptr, "info: print a JSON list with one object a file, and nothing else.", false, nullptr},
+    {"type", 't', "jpeg|png|bmp|gif|tiff", "convert: the format to write, instead of that of OUT's name.", false,
+     nullptr},
+    {"quality", 'q', "N", "convert: quality of a JPEG, 0 to 100 (100).", false, nullptr},
+    {"dpi", 0, "N",
+     "convert: resolution to write. PDF and SVG pictures are drawn at it (72); the pixels of others stay.", false,
+     nullptr},
+};
+
 static constexpr CommandRow kCommands[] = {
     {"run", "FILE", 1, 1, "Run a method.",
      "Runs the method in FILE, a text in UTF-8, or - for standard input. Every other *.4dm file in its folder is a "
@@ -115,18 +125,16 @@ static constexpr CommandRow kCommands[] = {
      kCommandsOptions, nullptr, ListCommands},
     {"draw", "SCENE...", 0, 1 << 20, "Draw scenes as SVG, PNG or PDF.",
      "Draws scenes. A scene is JSON, a size and a list of calls, each with the arguments of one primitive of the "
-     "drawing "
-     "library; - is standard input. Coordinates are points, to the right and down from the top left corner.\n\n"
+     "drawing library; - is standard input. Coordinates are points, to the right and down from the top left "
+     "corner.\n\n"
      "  {\"width\":200, \"height\":60, \"calls\":[\n"
      "    {\"rect\":{\"box\":[10,10,180,40], \"radius\":8, \"fill\":\"#2F6DB5\"}},\n"
      "    {\"textLayout\":{\"text\":\"Hello\", \"box\":[10,10,180,40], \"align\":\"center\",\n"
      "      \"vertical\":\"center\", \"fill\":\"White\"}}\n"
      "  ]}\n\n"
      "The calls: rect, rects, oval, line, lines, arc, path, text, alignedText, textLayout, styledText, picture, "
-     "region, "
-     "gradient, shadow, shading, clip, clear, layer, transform, properties. What is wrong in a scene is told on "
-     "standard "
-     "error with the path of the value, and then nothing is written.\n\n"
+     "region, gradient, shadow, shading, clip, clear, layer, transform, properties. What is wrong in a scene is told "
+     "on standard error with the path of the value, and then nothing is written.\n\n"
      "  zr draw chart.json -o chart.svg\n"
      "  zr draw chart.json -o chart.png --dpi 144\n"
      "  zr draw page1.json page2.json -o report.pdf\n"
@@ -135,12 +143,22 @@ static constexpr CommandRow kCommands[] = {
     {"text", "width|wrap TEXT", 2, 2, "Measure a text, or break it into lines.",
      "Shows what the exported commands of the library give for a text in a font; TEXT may be - for standard input.\n\n"
      "zr text width prints the width in points, rounded and exact, height, ascent and what is left below the base "
-     "line, "
-     "and the family that the name of the font leads to. zr text wrap prints the lines that the text breaks into at "
-     "--width.\n\n"
+     "line, and the family that the name of the font leads to. zr text wrap prints the lines that the text breaks "
+     "into at --width.\n\n"
      "  zr text width 'Hello, world' --font 'Liberation Serif' --size 18\n"
      "  zr text wrap - --width 200 < letter.txt",
      kTextOptions, "width wrap", TextFacts},
+    {"picture", "info|convert FILE...", 2, 1000, "Look at pictures and convert them.",
+     "zr picture info FILE... tells format, size in pixels (of PDF in points), resolution, the size in points that "
+     "follows from it, the types that 4D code sees, and how many bytes a file has.\n\n"
+     "zr picture convert FILE OUT writes the picture in the format of OUT's name: JPEG, PNG, BMP, GIF or TIFF. JPEG, "
+     "PNG, BMP, GIF, TIFF, PDF (its first page) and SVG are read. FILE and OUT may be - for standard input and "
+     "output; OUT then needs --type.\n\n"
+     "A file that is no picture, or a damaged one, ends with status 1.\n\n"
+     "  zr picture info photo.jpg --json\n"
+     "  zr picture convert photo.png photo.jpg --quality 80\n"
+     "  zr picture convert page.pdf page.png --dpi 150",
+     kPictureOptions, "info convert .jpg .jpeg .png .bmp .gif .tif .tiff .pdf .svg", WorkOnPicture},
     {"help", "[COMMAND]", 0, 1, "Explain a command.", "Explains a command, or lists them all.", {}, "help", ShowHelp},
     {"completion",
      "bash",

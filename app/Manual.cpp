@@ -210,15 +210,16 @@ static void AppendValueCases(std::string& out, const CommandRow& command) {
 static void AppendArgumentCase(std::string& out, const CommandRow& command) {
     out += std::string("        ") + command.name + ")\n            options=\"" + OptionWords(command) + "\"\n";
     std::string_view offered = command.files ? command.files : "";
-    bool files = offered.starts_with('.');
-    if (files) out += "            folders=1\n";
+    std::string words, suffixes;
     while (!offered.empty()) {
         size_t end = offered.find(' ');
         std::string word(offered.substr(0, end));
         offered.remove_prefix(end == std::string_view::npos ? offered.size() : end + 1);
-        if (files) out += "            suffixes+=(" + word + ")\n";
-        else out += "            words=\"" + (word == "help" ? CommandWords() : word) + "\"\n";
+        if (word.starts_with('.')) suffixes += "            suffixes+=(" + word + ")\n";
+        else words += (words.empty() ? "" : " ") + (word == "help" ? CommandWords() : word);
     }
+    if (!suffixes.empty()) out += "            folders=1\n" + suffixes;
+    if (!words.empty()) out += "            words=\"" + words + "\"\n";
     out += "            ;;\n";
 }
 

@@ -26,9 +26,9 @@ std::string SourceFile::shownPath() const { return ShownPath(path); }
     throw Refusal{"cannot read " + ShownPath(path) + ": " + ReasonOf(errorNumber)};
 }
 
-[[noreturn]] static void RefuseSize(const std::string& path) {
-    throw Refusal{ShownPath(path) + " is larger than " + std::to_string(kLargestFile >> 20) +
-                  " MiB, the limit for one method"};
+[[noreturn]] static void RefuseSize(const std::string& path, const char* what, size_t most) {
+    throw Refusal{ShownPath(path) + " is larger than " + std::to_string(most >> 20) + " MiB, the limit for one " +
+                  what};
 }
 
 // Closes on every way out; standard input stays open.
@@ -49,13 +49,13 @@ class OpenFile {
     int number_;
 };
 
-static std::string ReadWhole(const std::string& path) {
+std::string ReadFileBytes(const std::string& path, const char* what, size_t most) {
     OpenFile file(path);
     struct stat facts;
     if (fstat(file.number(), &facts) != 0) RefuseRead(path, errno);
-    if (S_ISDIR(facts.st_mode)) throw Refusal{ShownPath(path) + " is a folder, not a method file"};
+    if (S_ISDIR(facts.st_mode)) throw Refusal{ShownPath(path) + " is a folder, not a " + what + " file"};
     bool sized = S_ISREG(facts.st_mode) && facts.st_size > 0;
-    if (sized && static_cast<size_t>(facts.st_size) > kLargestFile) RefuseSize(path);
+    if (sized && static_cast<size_t>(facts.st_size) > most) RefuseSize(path, what, most);
     std::string bytes;
     size_t done = 0;
     for (size_t room = sized ? static_cast<size_t>(facts.st_size) + 1 : 64 * 1024;; room = done + done / 2 + 1) {
@@ -69,7 +69,7 @@ static std::string ReadWhole(const std::string& path) {
                 return bytes;
             }
             done += static_cast<size_t>(count);
-            if (done > kLargestFile) RefuseSize(path);
+            if (done > most) RefuseSize(path, what, most);
         }
     }
 }
@@ -124,7 +124,7 @@ static void CheckText(const SourceFile& file) {
 SourceFile ReadSource(const std::string& path) {
     SourceFile file;
     file.path = path;
-    file.bytes = ReadWhole(path);
+    file.bytes = ReadFileBytes(path, "method", kLargestFile);
     file.isBlob = file.bytes.starts_with(kBlobMagic) && memchr(file.bytes.data(), 0, file.bytes.size());
     if (file.isBlob) return file;
     if (path.ends_with(kBlobSuffix)) throw Refusal{file.shownPath() + " is not a token blob"};

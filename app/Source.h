@@ -21,6 +21,9 @@ struct SourceFile {
     std::string_view line(long number) const;  // [1..]; without its end; empty outside
 };
 
+// A whole file, "-" = standard input; what: "method", "picture", for the sentences of a Refusal.
+std::string ReadFileBytes(const std::string& path, const char* what, size_t most);
+
 std::u16string Utf16Of(std::string_view utf8);  // a byte that belongs to no character becomes U+FFFD
 
 SourceFile ReadSource(const std::string& path);  // throws Refusal: missing, a folder, too large, binary, not UTF-8

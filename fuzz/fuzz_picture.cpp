@@ -4,6 +4,7 @@
 #include "fuzz/PictureFuzzing.h"
 
 static constexpr long kMostDrawn = 1 << 20;  // pixels; larger ones are decoded only
+static constexpr long kLongestSide = 65500;  // that every format can say
 
 static void EncodeEverywhere(ZR_Picture* picture) {
     for (int format = ZR_PICT_JPEG; format <= ZR_PICT_TIFF; ++format) {
@@ -29,7 +30,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     picture.Create(&bytes);
     picture.GetWidthDPI();
     zrhost::PictureSize({data, size});
-    if (picture.image && picture.width * picture.height <= kMostDrawn) {
+    bool encodable = picture.width <= kLongestSide && picture.height <= kLongestSide;
+    if (picture.image && encodable && picture.width * picture.height <= kMostDrawn) {
         ZR_Pictformat format = picture.format;
         EncodeEverywhere(&picture);
         picture.format = format;

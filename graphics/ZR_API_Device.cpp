@@ -6,6 +6,7 @@
 #include "graphics/ZR_API_Geometry.h"
 #include "graphics/ZR_API_LineDash.h"
 #include "graphics/ZR_API_Matrix.h"
+#include "graphics/ZR_API_Path.h"
 #include "graphics/ZR_API_Region.h"
 #include "graphics/ZR_API_SVGDocument.h"
 #include "platform/CoreGraphics/CoreGraphics.h"
@@ -30,7 +31,7 @@ void ZR_Device::Create() {
     bitmapData = nullptr;
     stateSaved = offscreen = printing = rotatePage = false;
     bounds = {0, 0, 0, 0};
-    framePath.Create(0, 0);
+    ZR_CreatePathHandle(&framePath);
     customProperties.Create(sizeof(ZR_DeviceProperty), 0);
     dpiX = dpiY = 0;
     svg = nullptr;

@@ -7,6 +7,7 @@
 
 static constexpr int kSweeps = 10;                              // of the solver
 static constexpr double kLinesOfPoint = 0.25;                   // one line for 4 points of the longer side
+static constexpr double kFarthest = 1e30;                       // points between two ends
 static constexpr float kLeastRatio = 1e-9F, kMostRatio = 1e9F;  // of neighbouring chords
 
 // Life -------------------------------------------------------------------------------------------------------------
@@ -94,7 +95,9 @@ void ZR_Spline::Generate() {
 // Lines ------------------------------------------------------------------------------------------------------------
 
 static double WantedLines(const ZR_Spline* spline, long i) {
-    return std::max(std::fabs(std::trunc(spline->dx[i])), std::fabs(std::trunc(spline->dy[i]))) * kLinesOfPoint;
+    const double x = std::fabs(std::trunc(spline->dx[i])), y = std::fabs(std::trunc(spline->dy[i]));
+    if (std::isnan(x) || std::isnan(y)) return 0;
+    return std::min(std::max(x, y), kFarthest) * kLinesOfPoint;  // so that the sum stays a number
 }
 
 // Guard: the part of the wanted lines that is drawn, so that far points do not make lines without end.
@@ -118,7 +121,7 @@ static void Flatten(const ZR_Spline* spline, ZR_Handle* out) {
     ZR_AddPathMove(out, spline->x[0], spline->y[0]);
     for (long i = 0; i < spline->count - 1; ++i) {
         double wanted = WantedLines(spline, i) * part;
-        AddLines(spline, i, wanted >= 1 ? static_cast<long>(std::min<double>(wanted, ZR_MOST_SPLINE_LINES)) : 1, out);
+        AddLines(spline, i, wanted >= 1 ? static_cast<long>(wanted) : 1, out);
     }
 }
 

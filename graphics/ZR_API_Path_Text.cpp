@@ -9,6 +9,7 @@
 static constexpr long kMostNumberUnits = 19;
 static constexpr double kRadian = 0.017453292519943295;       // of a degree
 static constexpr double kArcSegment = 1.5717963267948964;     // pi / 2 + 0.001: at most this angle for one curve
+static constexpr double kArcPrecision = 1e-5;                 // of the ends, in parts of the greatest coordinate
 static constexpr double kFullTurn = 6.283185307179586476925;  // 2 pi
 
 // The letters, their codes and how many numbers follow them.
@@ -102,7 +103,7 @@ double ZR_SVGPathParser::ReadNum() {
         point |= unit == '.';
         digits[n++] = static_cast<char>(unit);
     }
-    if (n == 0) error = ZR_PATH_BAD_NUMBER;
+    if (!error && n == 0) error = ZR_PATH_BAD_NUMBER;
     return error ? 0 : Number(digits, n);
 }
 
@@ -121,7 +122,14 @@ struct Circle {  // an ellipse arc on the unit circle
     double x, y, start, sweep;
 };
 
-// The circle through two points; false = there is none: a radius is 0, or something is beyond the numbers.
+// Whether the arc comes out where it shall, as far as floats can tell: with numbers out of all proportion it does not.
+static bool Meets(const Circle& circle, double angle, double x, double y, double scale) {
+    double px, py;
+    circle.back.Apply(circle.x + std::cos(angle), circle.y + std::sin(angle), &px, &py);
+    return std::fabs(px - x) + std::fabs(py - y) <= kArcPrecision * scale;
+}
+
+// The circle through two points; false = there is none: a radius is 0, or the numbers are beyond reckoning.
 static bool FindCircle(const float* arguments, double x0, double y0, double x1, double y1, Circle* circle) {
     double rx = arguments[0], ry = arguments[1];
     const double s = std::sin(arguments[2] * kRadian), c = std::cos(arguments[2] * kRadian);
@@ -148,7 +156,9 @@ static bool FindCircle(const float* arguments, double x0, double y0, double x1, 
     if (circle->sweep < 0 && sweep) circle->sweep += kFullTurn;
     if (circle->sweep > 0 && !sweep) circle->sweep -= kFullTurn;
     circle->back = {c * rx, -s * ry, s * rx, c * ry};
-    return std::isfinite(circle->x) && std::isfinite(circle->y) && std::isfinite(circle->sweep) && circle->sweep != 0;
+    const double scale = std::max({std::fabs(x0), std::fabs(y0), std::fabs(x1), std::fabs(y1)});
+    return circle->sweep != 0 && Meets(*circle, circle->start, x0, y0, scale) &&
+           Meets(*circle, circle->start + circle->sweep, x1, y1, scale);
 }
 
 static void AddCirclePart(ZR_Handle* path, const Circle& circle, double a, double b) {

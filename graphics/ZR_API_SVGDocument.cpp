@@ -26,8 +26,14 @@ enum : int {  // the host's commands
 
 static constexpr long kNameUnits = 255;  // longer names are cut, as everywhere on the bridge
 
+// As PA_CreateVariable makes it, in place: a record has 260 bytes, and there are three of them an attribute.
+static void Begin(PA_Variable* variable, PA_VariableKind kind) {
+    memset(static_cast<void*>(variable), 0, sizeof *variable);
+    variable->fType = static_cast<uint8_t>(kind);
+}
+
 static void Lend(PA_Variable* variable, PA_Unichar* units, long count) {
-    *variable = PA_CreateVariable(eVK_Text);
+    Begin(variable, eVK_Text);
     variable->uValue.fText.fLength = static_cast<int32_t>(std::clamp(count, 0L, static_cast<long>(INT_MAX)));
     variable->uValue.fText.fString = units;
 }
@@ -50,16 +56,14 @@ static void Lend(PA_Variable* variable, LentName* name, const char* bytes) {
     Lend(variable, name->units, n);
 }
 
-static PA_Variable RealArgument(double value) {
-    PA_Variable variable = PA_CreateVariable(eVK_Real);
-    PA_SetRealVariable(&variable, value);
-    return variable;
+static void SetReal(PA_Variable* variable, double value) {
+    Begin(variable, eVK_Real);
+    PA_SetRealVariable(variable, value);
 }
 
-static PA_Variable LongArgument(long value) {  // a longint has 32 bits: beyond them the nearest end
-    PA_Variable variable = PA_CreateVariable(eVK_Longint);
-    PA_SetLongintVariable(&variable, static_cast<int>(std::clamp<long>(value, INT_MIN, INT_MAX)));
-    return variable;
+static void SetLong(PA_Variable* variable, long value) {  // a longint has 32 bits: beyond them the nearest end
+    Begin(variable, eVK_Longint);
+    PA_SetLongintVariable(variable, static_cast<int>(std::clamp<long>(value, INT_MIN, INT_MAX)));
 }
 
 // Commands ---------------------------------------------------------------------------------------------------------
@@ -141,7 +145,7 @@ void ZR_DOM_Tree::CreateElement(ZR_Text* parent, ZR_Text* name, ZR_Text* out) {
 void ZR_DOM_Tree::AppendChildNode(ZR_Text* element, long kind, ZR_Text* value) {
     PA_Variable arguments[3];
     Lend(&arguments[0], element);
-    arguments[1] = LongArgument(kind);
+    SetLong(&arguments[1], kind);
     Lend(&arguments[2], value);
     Run(kAppendChild, arguments, 3);
 }
@@ -210,7 +214,7 @@ void ZR_DOM_Tree::SetAttributeText(ZR_Text* element, const char* name, const cha
 void ZR_DOM_Tree::SetAttributeDouble(ZR_Text* element, ZR_Text* name, double value) {
     PA_Variable arguments[3];
     Lend(&arguments[1], name);
-    arguments[2] = RealArgument(value);
+    SetReal(&arguments[2], value);
     SetAttribute(element, arguments);
 }
 
@@ -218,14 +222,14 @@ void ZR_DOM_Tree::SetAttributeDouble(ZR_Text* element, const char* name, double 
     PA_Variable arguments[3];
     LentName lent;
     Lend(&arguments[1], &lent, name);
-    arguments[2] = RealArgument(value);
+    SetReal(&arguments[2], value);
     SetAttribute(element, arguments);
 }
 
 void ZR_DOM_Tree::SetAttributeLong(ZR_Text* element, ZR_Text* name, long value) {
     PA_Variable arguments[3];
     Lend(&arguments[1], name);
-    arguments[2] = LongArgument(value);
+    SetLong(&arguments[2], value);
     SetAttribute(element, arguments);
 }
 
@@ -233,7 +237,7 @@ void ZR_DOM_Tree::SetAttributeLong(ZR_Text* element, const char* name, long valu
     PA_Variable arguments[3];
     LentName lent;
     Lend(&arguments[1], &lent, name);
-    arguments[2] = LongArgument(value);
+    SetLong(&arguments[2], value);
     SetAttribute(element, arguments);
 }
 
@@ -302,8 +306,9 @@ void ZR_DOM_Tree::SetGradient(ZR_Text* element, ZR_Gradient* gradient) {
     if (!gradient || gradient->boundsType == ZR_GRADIENT_NONE || gradient->stops.count < 1) return;
     const bool userUnits = gradient->boundsType == ZR_GRADIENT_USER;
     char id[32], fill[48];
-    snprintf(id, sizeof id, "gradient%ld", ++gradientCount);
-    snprintf(fill, sizeof fill, "url(#%s)", id);
+    gradientCount++;
+    snprintf(id, sizeof id, "gradient%ld", gradientCount);
+    snprintf(fill, sizeof fill, "url(#gradient%ld)", gradientCount);
 
     ZR_Text definition;
     definition.Create();

@@ -13,6 +13,7 @@ namespace zrhost {
 namespace {
 
 constexpr uint64_t kWasteAllowed = 1 << 16;
+constexpr size_t kMostIndents = 64;  // deeper levels stand no further in: the text stays linear
 
 uint32_t HashOf(std::u16string_view name) {
     uint32_t hash = 2166136261u;
@@ -20,7 +21,18 @@ uint32_t HashOf(std::u16string_view name) {
     return hash ^ hash >> 15;
 }
 
-bool BeginsName(char16_t c) { return (c | 32) >= 'a' ? (c | 32) <= 'z' || c >= 0x80 : c == '_' || c == ':'; }
+bool BeginsName(char16_t c) { return c >= 0x80 || c == '_' || c == ':' || ((c | 32) >= 'a' && (c | 32) <= 'z'); }
+
+// What stands between <!DOCTYPE and >: a name, and identifiers in quotes.
+bool IsDocumentType(std::u16string_view value) {
+    char16_t quote = 0;
+    for (char16_t c : value) {
+        if (quote) quote = c == quote ? 0 : quote;
+        else if (c == u'"' || c == u'\'') quote = c;
+        else if (c == u'<' || c == u'>' || c == u'[') return false;
+    }
+    return quote == 0 && IsXmlName(value.substr(0, value.find_first_of(u" \t\r\n")));
+}
 
 // ASCII first; what XML cannot hold is left out, lone surrogates become U+FFFD.
 void AppendUnits(std::string& out, std::u16string_view units) {
@@ -270,7 +282,7 @@ XmlDocument::Node XmlDocument::add(Node parent, XmlKind kind, std::u16string_vie
             if (value.find(u"]]>") != value.npos) return 0;
             break;
         case XmlKind::DocumentType:
-            if (value.empty() || value.find_first_of(u"<>") != value.npos || parent != kTop) return 0;
+            if (!IsDocumentType(value) || parent != kTop) return 0;
             break;
         default: return 0;
     }
@@ -455,7 +467,7 @@ std::string XmlDocument::write() const {
     size_t depth = 0;  // levels below the top
     Node plain = 0;    // the element with data inside which nothing is laid out; 0 = none
     auto line = [&] {
-        if (indented && !plain) out.append("\n").append(depth * 2, ' ');
+        if (indented && !plain) out.append("\n").append(std::min(depth, kMostIndents) * 2, ' ');
     };
     for (Node node = nodes_[kTop].first; node;) {
         if (depth) line();

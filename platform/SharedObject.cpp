@@ -54,12 +54,12 @@ static const void* OpenTable(const ObjectRow& row, std::string* problem) {
         *problem = LoaderWords();
         return nullptr;
     }
-    auto entry = reinterpret_cast<const TableHead* (*)()>(dlsym(object, row.entry));
+    auto entry = reinterpret_cast<const void* (*)()>(dlsym(object, row.entry));
     if (!entry) {
         *problem = LoaderWords();
         return nullptr;
     }
-    const TableHead* table = entry();
+    const auto* table = static_cast<const TableHead*>(entry());
     if (table && table->version == row.version) return table;
     *problem = std::string(row.file) + ": another version";
     return nullptr;

@@ -5,7 +5,6 @@
 
 #include "platform/CoreText/CoreText_Private.h"
 
-static constexpr CFIndex kPieceUnits = 8192;     // of a long paragraph that are set at once
 static constexpr double kUnlimitedWidth = 1e15;  // points; from here on a width bounds nothing
 static constexpr double kFit = 1e-6;             // points by which a line may stand out
 
@@ -143,10 +142,16 @@ Kept<CTLine> LineWalk::WholeLine(const ParagraphRange& range, int breaking) cons
     return line;
 }
 
+// Units of a long paragraph that are set at once: those of about twenty lines, if a glyph is half as wide as high.
+static CFIndex PieceUnits(const Style& style, double width) {
+    double units = 20 * width / (style.font->facts.size / 2);
+    return static_cast<CFIndex>(std::clamp(units, 128.0, static_cast<double>(kZRGMostUnits)));
+}
+
 // A piece's last line is set again with the next piece, unless the paragraph ends there.
 template <class Take>
 void LineWalk::Wrapped(const ParagraphRange& range, const CTParagraphStyle& style, int breaking, Take take) {
-    CFIndex units = kPieceUnits;
+    CFIndex units = PieceUnits(text->styles[text->StyleAt(range.start)], width);
     Setting setting = {};
     setting.breaking = breaking;
     setting.width = width;

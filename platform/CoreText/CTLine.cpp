@@ -118,8 +118,8 @@ void CTLine::Add(Kept<const SetPiece> piece, long number) {
 
 // Where a line of many units may be cut for typesetting: behind a blank if one is near, never within a pair.
 static CFIndex CutAt(const StyledText& text, CFIndex from) {
-    static constexpr CFIndex kNear = 1000;
-    CFIndex end = std::min(from + kZRGMostUnits, text.Length());
+    static constexpr CFIndex kNear = 1000, kAtOnce = kZRGMostUnits / 2;
+    CFIndex end = std::min(from + kAtOnce, text.Length());
     if (end == text.Length()) return end;
     for (CFIndex at = end; at > end - kNear; --at)
         if (text.Units()[at - 1] == ' ') return at;

@@ -7,7 +7,8 @@
 //
 // Bounds, so that no input crashes, hangs or takes time without end:
 // - a font's size is finite and not negative, 0 = 12; glyphs beyond 4e6 device units are not drawn;
-// - a line of a frame has at most 100,000 units when it is wider than that, a truncated one looks at 100,000;
+// - a line of a frame has at most 8,192 units, of a longer one that is truncated as many are looked at; a single line
+//   has any number;
 // - a frame ends where its height does; one whose rectangle is empty or not finite has no lines;
 // - NUL, control characters and, in a line, line ends have no width; a lone surrogate is drawn as U+FFFD.
 #ifndef ZR_PLATFORM_CORETEXT_H

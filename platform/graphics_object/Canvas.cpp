@@ -578,7 +578,7 @@ static bool FinishPDF(ZRGCanvas* canvas) {
 
 // The table --------------------------------------------------------------------------------------------------------
 
-extern "C" __attribute__((visibility("default"))) const ZRGTable* ZRGraphicsGetTable() {
+extern "C" __attribute__((visibility("default"))) const void* ZRGraphicsGetTable() {
     static const ZRGTable table = [] {
         ZRGTable t = {};
         t.version = kZRGVersion;

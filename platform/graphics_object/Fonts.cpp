@@ -307,7 +307,7 @@ PangoFontDescription* DescriptionOf(const ZRGFont& font, double size) {
 
 // Threads ----------------------------------------------------------------------------------------------------------
 
-static constexpr size_t kMostThreadFonts = 512;
+static constexpr size_t kMostThreadFonts = 512, kMostLoaded = 16;
 
 TextThread::TextThread() {
     map = pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT);
@@ -322,13 +322,22 @@ TextThread::TextThread() {
     cairo_font_options_destroy(options);
     pango_context_set_round_glyph_positions(context, FALSE);
     layout = pango_layout_new(context);
+    buffer = hb_buffer_create();
 }
 
-TextThread::~TextThread() {
+void TextThread::Forget() {
     for (auto& [key, font] : fonts) {
         cairo_scaled_font_destroy(font.scaled);
         g_object_unref(font.font);
     }
+    fonts.clear();
+    for (auto& row : loaded) g_object_unref(row.font);
+    loaded.clear();
+}
+
+TextThread::~TextThread() {
+    Forget();
+    hb_buffer_destroy(buffer);
     g_object_unref(layout);
     g_object_unref(context);
     g_object_unref(map);
@@ -342,11 +351,11 @@ TextThread& ThisThread() {
 const ThreadFont& TextThread::FontOf(PangoFont* font) {
     if (auto found = fonts.find(font); found != fonts.end()) return found->second;
     if (fonts.size() >= kMostThreadFonts) {
-        for (auto& [key, old] : fonts) {
-            cairo_scaled_font_destroy(old.scaled);
-            g_object_unref(old.font);
-        }
-        fonts.clear();
+        g_object_ref(font);  // it may be one of them
+        Forget();
+        const ThreadFont& kept = FontOf(font);
+        g_object_unref(font);
+        return kept;
     }
     PangoFontDescription* description = pango_font_describe_with_absolute_size(font);
     double size = pango_font_description_get_size(description) / static_cast<double>(PANGO_SCALE);
@@ -355,6 +364,20 @@ const ThreadFont& TextThread::FontOf(PangoFont* font) {
     g_object_ref(font);
     if (made.scaled) cairo_scaled_font_reference(made.scaled);
     return fonts.emplace(font, made).first->second;
+}
+
+PangoFont* TextThread::FontOf(const ZRGFont& font, double size) {
+    for (auto& row : loaded)
+        if (row.face == font.face && row.size == size) return row.font;
+    if (loaded.size() >= kMostLoaded) {
+        g_object_unref(loaded.front().font);
+        loaded.erase(loaded.begin());
+    }
+    PangoFontDescription* description = DescriptionOf(font, size);
+    PangoFont* made = pango_context_load_font(context, description);
+    pango_font_description_free(description);
+    if (made) loaded.push_back({font.face, size, made});
+    return made;
 }
 
 // The table's functions --------------------------------------------------------------------------------------------

@@ -114,7 +114,7 @@ struct ZRGFace {
 };
 
 // Text: lines of one paragraph. Units are UTF-16, measures points, y up, x from the line's left end.
-inline constexpr long kZRGMostUnits = 100000;  // of one typesetting
+inline constexpr long kZRGMostUnits = 8192;  // of one typesetting: the time of some texts grows with their square
 struct ZRGTextStyle {
     long end;             // the first unit behind it; ascending, the last is count
     const ZRGFont* font;  // borrowed
@@ -221,6 +221,6 @@ struct ZRGTable {
     void (*drawText)(ZRGCanvas*, const ZRGTypeset*, long run, const ZRGMatrix* matrix, const ZRGPaint*);
 };
 
-extern "C" const ZRGTable* ZRGraphicsGetTable();
+extern "C" const void* ZRGraphicsGetTable();  // the table
 
 #endif

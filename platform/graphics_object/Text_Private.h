@@ -2,6 +2,7 @@
 #ifndef ZR_PLATFORM_TEXT_PRIVATE_H
 #define ZR_PLATFORM_TEXT_PRIVATE_H
 
+#include <hb.h>
 #include <pango/pangocairo.h>
 
 #include <atomic>
@@ -45,12 +46,23 @@ struct ThreadFont {
 struct TextThread {
     TextThread();
     ~TextThread();
-    const ThreadFont& FontOf(PangoFont* font);  // valid until the next call
+    const ThreadFont& FontOf(PangoFont* font);            // valid until the next call
+    PangoFont* FontOf(const ZRGFont& font, double size);  // borrowed; null = none
 
     PangoFontMap* map;
     PangoContext* context;
     PangoLayout* layout;
+    hb_buffer_t* buffer;  // empty between uses
     std::unordered_map<PangoFont*, ThreadFont> fonts;
+
+  private:
+    void Forget();
+    struct Loaded {
+        const Face* face;
+        double size;
+        PangoFont* font;  // owned
+    };
+    std::vector<Loaded> loaded;  // the fonts that were asked for, a few
 };
 TextThread& ThisThread();
 

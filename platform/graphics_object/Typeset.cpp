@@ -10,12 +10,11 @@
 
 static constexpr double kLeastSize = 1, kMostSize = 1000, kMiddlingSize = 12;  // points that Pango works with
 static constexpr double kMostReach = 8e5;  // points of a line, if all its glyphs were as wide as their font is high
-static constexpr double kMostPangoPoints = 1e6;             // a width in them
-static constexpr long kManyUnits = 8192, kMostTabs = 1000;  // in that many units; further tabs are blanks
-static constexpr double kTabStop = 28;                      // points
-static constexpr double kLargestImageGlyph = 200;           // device units; larger glyphs are painted as outlines
-static constexpr double kSmallestGlyph = 1e-2;              // device units; smaller ones are not painted
-static constexpr long kManyGlyphs = 512;                    // from here on those outside of the clip are left out
+static constexpr double kMostPangoPoints = 1e6;    // a width in them
+static constexpr double kTabStop = 28;             // points
+static constexpr double kLargestImageGlyph = 200;  // device units; larger glyphs are painted as outlines
+static constexpr double kSmallestGlyph = 1e-2;     // device units; smaller ones are not painted
+static constexpr long kManyGlyphs = 512;           // from here on those outside of the clip are left out
 
 namespace {
 struct Glyph {
@@ -98,10 +97,9 @@ static Bytes ToBytes(const ZRGTypesetting& from) {
     bool breaks = from.breaking == kZRGBreakWords || from.breaking == kZRGBreakAnywhere;
     bytes.text.reserve(count + count / 2);
     bytes.unitOf.reserve(count + count / 2 + 1);
-    long style = 0, tabs = from.count > kManyUnits ? kMostTabs : from.count;  // their time grows with the square
+    long style = 0;
     for (size_t i = 0; i < count;) {
         uint32_t c = from.units[i];
-        if (c == '\t' && --tabs < 0) c = ' ';
         size_t taken = 1;
         if (c >= 0xD800 && c < 0xDC00 && i + 1 < count && from.units[i + 1] >= 0xDC00 && from.units[i + 1] < 0xE000) {
             c = 0x10000 + ((c - 0xD800) << 10) + (from.units[i + 1] - 0xDC00U);
@@ -171,38 +169,64 @@ static double ScaleOf(const ZRGTypesetting& from, const Bytes& bytes) {
     return most < kLeastSize ? most / std::min(kMiddlingSize, limit) : 1;
 }
 
-static PangoAttrList* AttributesOf(const ZRGTypesetting& from, const Bytes& bytes, double scale) {
-    PangoAttrList* list = pango_attr_list_new();
-    int start = 0, last = static_cast<int>(bytes.text.size());
-    if (from.breaking != kZRGNoBreaks) Add(list, pango_attr_insert_hyphens_new(FALSE), 0, last);
+static bool SameFont(const ZRGTextStyle& a, const ZRGTextStyle& b) {
+    return a.font == b.font || (a.font->face == b.font->face && a.font->size == b.font->size);
+}
+
+static bool SameKerning(const ZRGTextStyle& a, const ZRGTextStyle& b) {
+    return a.kerned == b.kerned && a.spacing == b.spacing;
+}
+
+// Whether runs must be told apart by an attribute of our own: Pango splits them only where fonts or kernings differ.
+static bool NeedsMarks(const ZRGTypesetting& from) {
+    for (long i = 1; i < from.styleCount; ++i)
+        if (SameFont(from.styles[i - 1], from.styles[i]) && SameKerning(from.styles[i - 1], from.styles[i]))
+            return true;
+    return false;
+}
+
+// Calls add(style, start, end) for each stretch of styles that are the same.
+template <class Same, class Add>
+static void EachStretch(const ZRGTypesetting& from, const Bytes& bytes, Same same, Add add) {
+    int start = 0;
     for (long i = 0; i < from.styleCount; ++i) {
         int end = bytes.styleEnds[static_cast<size_t>(i)];
-        const ZRGTextStyle& style = from.styles[i];
-        if (start == end) continue;
-        if (from.styleCount > 1) {
-            PangoFontDescription* description = DescriptionOf(*style.font, ClampSize(style.font->size / scale));
-            Add(list, pango_attr_font_desc_new(description), start, end);
-            pango_font_description_free(description);
-            Add(list, NewStyleAttribute(i), start, end);
-        }
-        if (style.kerned) {
-            Add(list, pango_attr_font_features_new("kern=0"), start, end);
-            if (int spacing = PangoUnits(style.spacing / scale))
-                Add(list, pango_attr_letter_spacing_new(spacing), start, end);
-        }
+        if (i + 1 < from.styleCount && same(from.styles[i], from.styles[i + 1])) continue;
+        if (start < end) add(i, start, end);
         start = end;
     }
+}
+
+static PangoAttrList* AttributesOf(const ZRGTypesetting& from, const Bytes& bytes, double scale, bool marks) {
+    PangoAttrList* list = pango_attr_list_new();
+    int last = static_cast<int>(bytes.text.size());
+    if (from.breaking != kZRGNoBreaks) Add(list, pango_attr_insert_hyphens_new(FALSE), 0, last);
+    EachStretch(from, bytes, SameFont, [&](long i, int start, int end) {
+        if (SameFont(from.styles[0], from.styles[i])) return;  // the layout's own
+        PangoFontDescription* description =
+            DescriptionOf(*from.styles[i].font, ClampSize(from.styles[i].font->size / scale));
+        Add(list, pango_attr_font_desc_new(description), start, end);
+        pango_font_description_free(description);
+    });
+    EachStretch(from, bytes, SameKerning, [&](long i, int start, int end) {
+        if (!from.styles[i].kerned) return;
+        Add(list, pango_attr_font_features_new("kern=0"), start, end);
+        if (int spacing = PangoUnits(from.styles[i].spacing / scale))
+            Add(list, pango_attr_letter_spacing_new(spacing), start, end);
+    });
+    auto never = [](const ZRGTextStyle&, const ZRGTextStyle&) { return false; };
+    if (marks) EachStretch(from, bytes, never, [&](long i, int s, int e) { Add(list, NewStyleAttribute(i), s, e); });
     return list;
 }
 
-static void Prepare(PangoLayout* layout, const ZRGTypesetting& from, const Bytes& bytes, double scale) {
+static void Prepare(PangoLayout* layout, const ZRGTypesetting& from, const Bytes& bytes, double scale, bool marks) {
     static constexpr PangoEllipsizeMode kCuts[] = {PANGO_ELLIPSIZE_START, PANGO_ELLIPSIZE_END, PANGO_ELLIPSIZE_MIDDLE};
     bool cuts = from.breaking >= kZRGCutHead, bounded = from.breaking != kZRGNoBreaks;
     PangoFontDescription* description =
         DescriptionOf(*from.styles[0].font, ClampSize(from.styles[0].font->size / scale));
     pango_layout_set_font_description(layout, description);
     pango_font_description_free(description);
-    PangoAttrList* attributes = AttributesOf(from, bytes, scale);
+    PangoAttrList* attributes = AttributesOf(from, bytes, scale, marks);
     pango_layout_set_attributes(layout, attributes);
     pango_attr_list_unref(attributes);
     pango_layout_set_single_paragraph_mode(layout, !bounded || cuts);
@@ -236,10 +260,16 @@ static int FontNumber(Typeset* set, TextThread* thread, PangoFont* font) {
     return static_cast<int>(set->scaledFonts.size() - 1);
 }
 
-static long StyleOf(const PangoItem* item) {
+static long StyleOf(const PangoItem* item, const ZRGTypesetting& from, long start, bool marks) {
+    if (from.styleCount == 1) return 0;
+    if (!marks) {
+        auto found = std::upper_bound(from.styles, from.styles + from.styleCount, start,
+                                      [](long at, const ZRGTextStyle& style) { return at < style.end; });
+        return std::min(static_cast<long>(found - from.styles), from.styleCount - 1);
+    }
     for (GSList* node = item->analysis.extra_attrs; node; node = node->next) {
         auto attribute = static_cast<PangoAttribute*>(node->data);
-        if (attribute->klass->type == StyleClass().type) return reinterpret_cast<StyleAttribute*>(attribute)->style;
+        if (attribute->klass == &StyleClass()) return reinterpret_cast<StyleAttribute*>(attribute)->style;
     }
     return 0;
 }
@@ -260,11 +290,12 @@ static void TakeGlyphs(Typeset* set, const PangoGlyphString* glyphs, ZRGTextRun*
     run->width = static_cast<double>(x) / PANGO_SCALE * set->scale;
 }
 
-static void TakeRun(Typeset* set, TextThread* thread, const Bytes& bytes, const PangoGlyphItem* from, double* x) {
+static void TakeRun(Typeset* set, TextThread* thread, const ZRGTypesetting& text, const Bytes& bytes, bool marks,
+                    const PangoGlyphItem* from, double* x) {
     ZRGTextRun run = {};
     run.start = bytes.UnitOf(from->item->offset);
     run.end = bytes.UnitOf(from->item->offset + from->item->length);
-    run.style = StyleOf(from->item);
+    run.style = StyleOf(from->item, text, run.start, marks);
     run.font = FontNumber(set, thread, from->item->analysis.font);
     const FaceMetrics& m = set->metrics[static_cast<size_t>(run.font)];
     run.ascent = m.ascent;
@@ -276,15 +307,15 @@ static void TakeRun(Typeset* set, TextThread* thread, const Bytes& bytes, const 
     set->ownRuns.push_back(run);
 }
 
-static void TakeLine(Typeset* set, TextThread* thread, const ZRGTypesetting& from, const Bytes& bytes,
-                     const PangoLayoutLine* from_line) {
+static void TakeLine(Typeset* set, TextThread* thread, const ZRGTypesetting& from, const Bytes& bytes, bool marks,
+                     const PangoLayoutLine* setLine) {
     ZRGTextLine line = {};
-    line.start = bytes.UnitOf(from_line->start_index);
-    line.rightToLeft = from_line->resolved_dir == PANGO_DIRECTION_RTL;
+    line.start = bytes.UnitOf(setLine->start_index);
+    line.rightToLeft = setLine->resolved_dir == PANGO_DIRECTION_RTL;
     line.firstRun = static_cast<long>(set->ownRuns.size());
     double x = 0;
-    for (GSList* node = from_line->runs; node; node = node->next)
-        TakeRun(set, thread, bytes, static_cast<PangoGlyphItem*>(node->data), &x);
+    for (GSList* node = setLine->runs; node; node = node->next)
+        TakeRun(set, thread, from, bytes, marks, static_cast<PangoGlyphItem*>(node->data), &x);
     line.runCount = static_cast<long>(set->ownRuns.size()) - line.firstRun;
     for (long i = line.firstRun; i < line.firstRun + line.runCount; ++i) {
         const ZRGTextRun& run = set->ownRuns[static_cast<size_t>(i)];
@@ -330,6 +361,87 @@ static void GiveHeight(ZRGTextLine* line, const ZRGTypesetting& from) {
     line->leading = facts.leading;
 }
 
+// A plain line ------------------------------------------------------------------------------------------------------
+
+// Shaped as Pango would shape the one item that such a line is; in the thread's buffer.
+static void ShapePlain(TextThread* thread, PangoFont* font, const std::string& text, bool kerned) {
+    bool letters = std::any_of(text.begin(), text.end(), [](char c) { return (c | 32) >= 'a' && (c | 32) <= 'z'; });
+    const char* language = pango_language_to_string(pango_context_get_language(thread->context));
+    hb_buffer_t* buffer = thread->buffer;
+    hb_buffer_clear_contents(buffer);
+    hb_buffer_add_utf8(buffer, text.data(), static_cast<int>(text.size()), 0, -1);
+    hb_buffer_set_flags(buffer, static_cast<hb_buffer_flags_t>(HB_BUFFER_FLAG_BOT | HB_BUFFER_FLAG_EOT));
+    hb_buffer_set_cluster_level(buffer, HB_BUFFER_CLUSTER_LEVEL_MONOTONE_CHARACTERS);
+    hb_buffer_set_direction(buffer, HB_DIRECTION_LTR);
+    hb_buffer_set_script(buffer, letters ? HB_SCRIPT_LATIN : HB_SCRIPT_COMMON);
+    hb_buffer_set_language(buffer, hb_language_from_string(language, -1));
+    hb_feature_t noKerning = {HB_TAG('k', 'e', 'r', 'n'), 0, 0, static_cast<unsigned>(-1)};
+    hb_shape(pango_font_get_hb_font(font), buffer, &noKerning, kerned ? 1 : 0);
+}
+
+// The buffer's glyphs; false = the font lacks one.
+static bool TakeShaped(Typeset* set, hb_buffer_t* buffer, ZRGTextRun* run) {
+    unsigned count;
+    const hb_glyph_info_t* info = hb_buffer_get_glyph_infos(buffer, &count);
+    const hb_glyph_position_t* at = hb_buffer_get_glyph_positions(buffer, &count);
+    int64_t x = 0;
+    for (unsigned i = 0; i < count; ++i) {
+        if (info[i].codepoint == 0) return false;
+        set->glyphs.push_back({info[i].codepoint, static_cast<float>(x + at[i].x_offset) / PANGO_SCALE,
+                               static_cast<float>(-at[i].y_offset) / PANGO_SCALE});
+        x += at[i].x_advance;
+    }
+    run->glyphs = count;
+    run->width = static_cast<double>(x) / PANGO_SCALE * set->scale;
+    return true;
+}
+
+// A line of printable ASCII in one style needs nothing of Pango's analysis. False = it is none, or the font lacks a
+// glyph.
+static bool SetPlainLine(Typeset* set, TextThread* thread, const ZRGTypesetting& from, const Bytes& bytes) {
+    const ZRGTextStyle& style = from.styles[0];
+    if (from.breaking != kZRGNoBreaks || from.styleCount > 1 || !bytes.unitOf.empty() || style.spacing != 0 ||
+        from.direction == kZRGRightToLeft)
+        return false;
+    PangoFont* font = thread->FontOf(*style.font, ClampSize(style.font->size / set->scale));
+    if (!font) return false;
+    ShapePlain(thread, font, bytes.text, style.kerned);
+    ZRGTextRun run = {};
+    if (!TakeShaped(set, thread->buffer, &run)) {
+        set->glyphs.clear();
+        return false;
+    }
+    run.end = from.count;
+    run.font = FontNumber(set, thread, font);
+    const FaceMetrics& m = set->metrics[0];
+    run.ascent = m.ascent;
+    run.descent = m.descent;
+    run.leading = m.leading;
+    set->ownRuns.push_back(run);
+    set->ownLines.push_back({0, from.count, run.width, m.ascent, m.descent, m.leading, 0, 1, false});
+    return true;
+}
+
+static void SetByPango(Typeset* set, TextThread* thread, const ZRGTypesetting& from, const Bytes& bytes) {
+    bool marks = NeedsMarks(from);
+    if (from.direction != kZRGAsText)
+        pango_context_set_base_dir(thread->context,
+                                   from.direction == kZRGRightToLeft ? PANGO_DIRECTION_RTL : PANGO_DIRECTION_LTR);
+    Prepare(thread->layout, from, bytes, set->scale, marks);
+    auto lines = static_cast<size_t>(pango_layout_get_line_count(thread->layout));
+    set->ownLines.reserve(lines);
+    set->ownRuns.reserve(lines);
+    for (GSList* node = pango_layout_get_lines_readonly(thread->layout); node; node = node->next)
+        TakeLine(set, thread, from, bytes, marks, static_cast<PangoLayoutLine*>(node->data));
+    if (from.direction != kZRGAsText) pango_context_set_base_dir(thread->context, PANGO_DIRECTION_LTR);
+    for (size_t i = 0; i < set->ownLines.size(); ++i) {
+        ZRGTextLine& line = set->ownLines[i];
+        line.end = i + 1 < set->ownLines.size() ? set->ownLines[i + 1].start : from.count;
+        if (line.runCount == 0) GiveHeight(&line, from);
+        if (from.justify && i + 1 < set->ownLines.size()) Fill(set, &line, from.width);
+    }
+}
+
 static ZRGTypeset* SetText(const ZRGTypesetting* from) {
     if (from->count < 1 || from->count > kZRGMostUnits || from->styleCount < 1) return nullptr;
     if (from->breaking != kZRGNoBreaks && !(from->width > 0)) return nullptr;
@@ -338,23 +450,8 @@ static ZRGTypeset* SetText(const ZRGTypesetting* from) {
         auto set = std::make_unique<Typeset>();
         Bytes bytes = ToBytes(*from);
         set->scale = ScaleOf(*from, bytes);
-        if (from->direction != kZRGAsText)
-            pango_context_set_base_dir(thread.context,
-                                       from->direction == kZRGRightToLeft ? PANGO_DIRECTION_RTL : PANGO_DIRECTION_LTR);
-        Prepare(thread.layout, *from, bytes, set->scale);
-        int lines = pango_layout_get_line_count(thread.layout);
-        set->ownLines.reserve(static_cast<size_t>(lines));
-        set->ownRuns.reserve(static_cast<size_t>(lines));
         set->glyphs.reserve(bytes.text.size());
-        for (GSList* node = pango_layout_get_lines_readonly(thread.layout); node; node = node->next)
-            TakeLine(set.get(), &thread, *from, bytes, static_cast<PangoLayoutLine*>(node->data));
-        if (from->direction != kZRGAsText) pango_context_set_base_dir(thread.context, PANGO_DIRECTION_LTR);
-        for (size_t i = 0; i < set->ownLines.size(); ++i) {
-            ZRGTextLine& line = set->ownLines[i];
-            line.end = i + 1 < set->ownLines.size() ? set->ownLines[i + 1].start : from->count;
-            if (line.runCount == 0) GiveHeight(&line, *from);
-            if (from->justify && i + 1 < set->ownLines.size()) Fill(set.get(), &line, from->width);
-        }
+        if (!SetPlainLine(set.get(), &thread, *from, bytes)) SetByPango(set.get(), &thread, *from, bytes);
         set->lines = set->ownLines.data();
         set->lineCount = static_cast<long>(set->ownLines.size());
         set->runs = set->ownRuns.data();

@@ -219,7 +219,7 @@ static bool Assemble(const uint8_t* drawn, size_t n, const ZRPPage* pages, long 
     });
 }
 
-extern "C" __attribute__((visibility("default"))) const ZRPTable* ZRPDFGetTable() {
+extern "C" __attribute__((visibility("default"))) const void* ZRPDFGetTable() {
     static constexpr ZRPTable table = {kZRPVersion, Open, Release, CountPages, GetBox, GetRotation, Assemble};
     return &table;
 }

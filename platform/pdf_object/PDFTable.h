@@ -39,6 +39,6 @@ struct ZRPTable {
     bool (*assemble)(const uint8_t* drawn, size_t n, const ZRPPage* pages, long count, ZRPWrite write, void* info);
 };
 
-extern "C" const ZRPTable* ZRPDFGetTable();
+extern "C" const void* ZRPDFGetTable();  // the table
 
 #endif

@@ -50,7 +50,7 @@ static void Paint(void* document, long index, void* cairo, const double matrix[6
     g_object_unref(page);
 }
 
-extern "C" __attribute__((visibility("default"))) const ZRQTable* ZRPDFPaintGetTable() {
+extern "C" __attribute__((visibility("default"))) const void* ZRPDFPaintGetTable() {
     static constexpr ZRQTable table = {kZRQVersion, Open, Release, Paint};
     return &table;
 }

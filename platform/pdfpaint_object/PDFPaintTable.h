@@ -18,6 +18,6 @@ struct ZRQTable {
                   double alpha);
 };
 
-extern "C" const ZRQTable* ZRPDFPaintGetTable();
+extern "C" const void* ZRPDFPaintGetTable();  // the table
 
 #endif

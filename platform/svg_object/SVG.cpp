@@ -82,7 +82,7 @@ static bool WritePDF(const uint8_t* bytes, size_t n, double width, double height
     return ok;
 }
 
-extern "C" __attribute__((visibility("default"))) const ZRSTable* ZRSVGGetTable() {
+extern "C" __attribute__((visibility("default"))) const void* ZRSVGGetTable() {
     static constexpr ZRSTable table = {kZRSVersion, GetSize, Paint, WritePDF};
     return &table;
 }

@@ -19,6 +19,6 @@ struct ZRSTable {
     bool (*writePDF)(const uint8_t* bytes, size_t n, double width, double height, ZRSWrite write, void* info);
 };
 
-extern "C" const ZRSTable* ZRSVGGetTable();
+extern "C" const void* ZRSVGGetTable();  // the table
 
 #endif

@@ -17,6 +17,7 @@
 #include "graphics/ZR_API_Path.h"
 #include "graphics/ZR_API_SVGDocument.h"
 #include "host/Host.h"
+#include "host/Memory.h"
 #include "platform/CoreGraphics/CoreGraphics.h"
 #include "plugin/ZR_API_Plugin.h"
 
@@ -27,18 +28,20 @@ class DrawingTest : public testing::Test {
         ZR_StartupRecord record = host->startupRecord();
         FourDPackex(-1, &record, nullptr, nullptr);
         ZR_GetMemoryInfo(&handles_, &bytes_);
+        hostHandles_ = zrhost::LiveHandles();
     }
     ~DrawingTest() override {
         long handles, bytes;
         ZR_GetMemoryInfo(&handles, &bytes);
         EXPECT_EQ(handles, handles_);
         EXPECT_EQ(bytes, bytes_);
+        EXPECT_EQ(zrhost::LiveHandles(), hostHandles_);
         FourDPackex(-2, nullptr, nullptr, nullptr);
     }
     std::unique_ptr<zrhost::Host> host = zrhost::Host::Start();
 
   private:
-    long handles_ = 0, bytes_ = 0;
+    long handles_ = 0, bytes_ = 0, hostHandles_ = 0;
 };
 
 struct TestText {

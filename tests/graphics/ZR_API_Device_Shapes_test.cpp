@@ -267,9 +267,7 @@ TEST_F(Shapes, Regions_Svg_AreOutlinesWithAlphaAndWithoutProperties) {
     // Required: what is taken away is one more outline.
     EXPECT_EQ(c.Drawn(),
               "<path d='M0 0 L20 0 L20 10 L0 10 L0 0 M5 2 L15 2 L15 8 L5 8 L5 2' fill='#FF0000' fill-opacity='0.5'/>");
-    ZR_CreatePathHandle(&c->framePath);
     ZR_AddPathMove(&c->framePath, 1, 2);
-    SvgCanvas one;
     c->FrameRegion(&region, &gHalf, 2, nullptr);  // one record is too few
     ZR_AddPathLine(&c->framePath, 3, 4);
     c->FrameRegion(nullptr, &gHalf, 2, nullptr);

@@ -165,6 +165,11 @@ TEST(Spline, SmoothPath_FarPoints_AreBounded) {
         smoothed.Dispose();
         path.Dispose();
     }
+    ZR_Handle odd = PathOf({{kNaN, 0}, {kInf, 0}, {0, 0}, {kInf, kNaN}, {0, 0}, {kInf, 0}, {0, kInf}}), lines;
+    ASSERT_TRUE(ZR_CreateSmoothPath(&odd, &lines));
+    EXPECT_LE(lines.count, ZR_MOST_SPLINE_LINES + odd.count);
+    lines.Dispose();
+    odd.Dispose();
     ZR_Handle path = PathOf({{0, 0}, {4e6F, 0}, {4e6F, 100}}), smoothed;  // just within it
     ASSERT_TRUE(ZR_CreateSmoothPath(&path, &smoothed));
     EXPECT_EQ(smoothed.count, 1 + 1000000 + 25);

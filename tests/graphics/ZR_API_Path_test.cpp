@@ -62,7 +62,10 @@ TEST(Path, HandleOfAnotherElementSize_IsNoPath) {
     ZR_OffsetPathHandle(&bytes, {1, 1});
     EXPECT_EQ(bytes.count, 40);
     EXPECT_EQ(bytes.data[0], '0');
-    EXPECT_EQ(Text(bytes).size(), 0u);
+    ZR_Text text = MakeText(u"old");
+    ZR_GetPathText(&bytes, &text);
+    EXPECT_EQ(text.count, 0);
+    text.Dispose();
     EXPECT_EQ(ZR_CreatePathFromHandle(&bytes, true, nullptr), nullptr);
     bytes.Dispose();
 }

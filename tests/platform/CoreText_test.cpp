@@ -366,7 +366,35 @@ TEST(CTLine, VeryLongInALargeFont_DoesNotWrapAround) {
     EXPECT_NEAR(Line(text, {.size = 900}).Width() / (100000 * Width(u"n", {.size = 900})), 1, 1e-3);
     EXPECT_NEAR(Line(text, {.kern = 5000}).Width() / (100000 * (Width(u"n") + 5000)), 1, 1e-3);
     std::u16string tabs(100000, u'\t');
-    EXPECT_NEAR(Line(tabs).Width(), 1000 * 28 + 99000 * Width(u" "), 100) << "many tabs are blanks";
+    EXPECT_NEAR(Line(tabs).Width(), 2.8e6, 100);
+}
+
+// A line of printable ASCII in one style takes a short way. A unit without width behind it takes the long one.
+TEST(CTLine, PlainText_IsSetAsAllOtherText) {
+    unsigned seed = 1;
+    auto random = [&](unsigned n) { return (seed = seed * 1664525 + 1013904223) / 65536 % n; };
+    for (int round = 0; round < 600; ++round) {
+        static const char* const kFonts[] = {"Arial", "Times New Roman", "Courier New", "DejaVu Sans", "DejaVu Serif"};
+        Looks looks = {.font = kFonts[round % 5], .size = 5.0 + random(40)};
+        if (round % 3 == 0) looks.kern = 0;
+        std::u16string text;
+        for (unsigned i = random(40) + 1; i > 0; --i)
+            text += static_cast<char16_t>(round % 4 == 0 ? ' ' + random(33) : ' ' + random(95));
+        if (round % 7 == 0) text += u"ffi fi AVA";
+        Line fast(text, looks), plain(text + u'\n', looks);
+        ASSERT_NEAR(fast.Width(), plain.Width(), 1e-6) << round;
+        CGFloat a, d, l, pa, pd, pl;
+        CTLineGetTypographicBounds(fast, &a, &d, &l);
+        CTLineGetTypographicBounds(plain, &pa, &pd, &pl);
+        ASSERT_TRUE(a == pa && d == pd && l == pl);
+        if (round % 10 > 0) continue;
+        Bitmap left(500, 80), right(500, 80);
+        CGContextSetTextPosition(left, 5, 30);
+        CGContextSetTextPosition(right, 5, 30);
+        CTLineDraw(fast, left);
+        CTLineDraw(plain, right);
+        ASSERT_EQ(left.Pixels(), right.Pixels()) << round;
+    }
 }
 
 TEST(CTLine, NullObjects_AnswerNeutrally) {
@@ -873,4 +901,23 @@ TEST(CoreTextDeathTest, NoFontInstalled_TextIsLeftOutAndNothingElse) {
         exit(none && empty && bitmap.Count() == 100 ? 0 : 1);
     };
     EXPECT_EXIT(body(), testing::ExitedWithCode(0), "");
+}
+
+// Texts whose setting would take time with the square of their length, if they were set at once.
+TEST(CoreTextBounds, DifficultTexts_TakeTimeInProportion) {
+    for (const char16_t* part :
+         {u"a", u"a\x05D0",
+          u"\x202E"
+          u"a",
+          u"\x2067", u"\x0301", u"\x4E00", u" ", u"\xD83D\xDE00", u"\x00AD", u"\x2028", u"\x0645", u"\t"}) {
+        std::u16string text;
+        while (text.size() < 50000) text += part;
+        Line line(text);
+        EXPECT_EQ(CTLineGetStringRange(line).length, static_cast<CFIndex>(text.size()));
+        for (double width : {5.0, 300.0, 1e6}) {
+            Frame frame(text, width, 1e9);
+            CFRange range = CTFrameGetVisibleStringRange(frame);
+            EXPECT_EQ(range.length, static_cast<CFIndex>(text.size())) << width;
+        }
+    }
 }
