@@ -70,6 +70,18 @@ TEST_F(Gradients, Radial_Percent_IsAnEllipseInARectThatIsNotSquare) {
     EXPECT_EQ(c.At(50, 5), kClearDot);
 }
 
+TEST_F(Gradients, Radial_Percent_LeavesItsScaleInTheContext) {
+    BitmapCanvas c(100, 60);
+    TestGradient g(ZR_GRADIENT_PERCENT, /*linear*/ false);
+    g.From(50, 50, 0, 0, 50).Stop(0, Color(255, 0, 0)).Stop(1, Color(0, 0, 255));
+    ZR_Rect r = Rect(0, 0, 100, 50);
+    c->DrawGradient(g, &r);  // Required: the caller has saved the state
+    EXPECT_EQ(CGContextGetCTM(c->context).a, 2);
+    ZR_Rect empty = Rect(0, 0, 100, 0);
+    c->DrawGradient(g, &empty);
+    EXPECT_EQ(CGContextGetCTM(c->context).a, 2);
+}
+
 TEST_F(Gradients, Matrix_OfTheGradient_MovesIt) {
     BitmapCanvas c(100, 40);
     TestGradient g(ZR_GRADIENT_USER);
@@ -90,6 +102,19 @@ TEST_F(Gradients, UnderAMatrix_RectAndOval_AreMirrored) {
     Fill(&c.device, Rect(0, 0, 40, 100), g, &m);
     EXPECT_NEAR_DOT(c.At(20, 3), kBlueDot, 12);
     EXPECT_NEAR_DOT(c.At(20, 97), kRedDot, 12);
+}
+
+TEST_F(Gradients, GrayDevice_Components_AreTakenInPairs) {
+    // Required: red and green of the first stop are its gray and alpha, blue and alpha those of the second.
+    BitmapCanvas c(100, 40);
+    ZR_Device gray;
+    gray.CreateWithCGContext(c->context, &c->bounds, 0, 0, /*gray*/ true);
+    TestGradient g(ZR_GRADIENT_USER);
+    g.From(0, 0, 100, 0).Stop(0, Color(255, 0, 0)).Stop(1, Color(0, 0, 255));
+    Fill(&gray, Rect(0, 0, 100, 40), g);
+    EXPECT_NEAR_DOT(c.At(1, 20), kClearDot, 8);
+    EXPECT_NEAR_DOT(c.At(98, 20), kBlackDot, 8);
+    gray.Dispose();
 }
 
 TEST_F(Gradients, BoundsTypeZero_Fill_FallsBackToTheColour) {
