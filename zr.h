@@ -14,6 +14,7 @@
 #include "core/ZR_API_TextArray.h"
 #include "graphics/ZR_API_Alignment.h"
 #include "graphics/ZR_API_Device.h"
+#include "graphics/ZR_API_Font.h"
 #include "graphics/ZR_API_Geometry.h"
 #include "graphics/ZR_API_Gradient.h"
 #include "graphics/ZR_API_LineDash.h"

@@ -146,23 +146,23 @@ static bool HasCTFont(ZR_Font* font) {
 }
 
 float ZR_Font::GetHeight() {
-    if (height == 0 && HasCTFont(this)) height = static_cast<float>(CTFontGetAscent(ctFont) + CTFontGetDescent(ctFont));
+    if (height == 0 && HasCTFont(this)) height = ZR_NearestFloat(CTFontGetAscent(ctFont) + CTFontGetDescent(ctFont));
     return height;
 }
 
 float ZR_Font::GetAscent() {
-    if (ascent == 0 && HasCTFont(this)) ascent = static_cast<float>(CTFontGetAscent(ctFont));
+    if (ascent == 0 && HasCTFont(this)) ascent = ZR_NearestFloat(CTFontGetAscent(ctFont));
     return ascent;
 }
 
 float ZR_Font::GetDescent() {
-    if (descent == 0 && HasCTFont(this)) descent = static_cast<float>(CTFontGetDescent(ctFont));
+    if (descent == 0 && HasCTFont(this)) descent = ZR_NearestFloat(CTFontGetDescent(ctFont));
     return descent;
 }
 
 float ZR_Font::GetLineSpacing() {
     if (lineSpacing != 0) return lineSpacing;
-    return HasCTFont(this) ? static_cast<float>(CTFontGetLeading(ctFont)) : 0;  // Required: not kept
+    return HasCTFont(this) ? ZR_NearestFloat(CTFontGetLeading(ctFont)) : 0;  // Required: not kept
 }
 
 float ZR_Font::GetTextWidth(const ZR_Text* text) {
@@ -172,7 +172,7 @@ float ZR_Font::GetTextWidth(const ZR_Text* text) {
     double width = CTLineGetTypographicBounds(line, nullptr, nullptr, nullptr);
     CFRelease(line);
     CFRelease(string);
-    return static_cast<float>(width);
+    return ZR_NearestFloat(width);
 }
 
 void ZR_GetFontList(ZR_TextArray* out) {

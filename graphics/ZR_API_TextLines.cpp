@@ -82,8 +82,8 @@ static CGSize SizeAt(CTFramesetterRef framesetter, double width) {
 void ZR_MeasureFrame(CTFramesetterRef framesetter, ZR_Rect* rect, ZR_Textmeasuring measuring) {
     double width = measuring == ZR_TEXT_MEASURE ? static_cast<double>(rect->right - rect->left) : DBL_MAX;
     CGSize size = SizeAt(framesetter, width);
-    rect->right = static_cast<float>(static_cast<double>(rect->left) + size.width);
-    rect->bottom = static_cast<float>(static_cast<double>(rect->top) + size.height);
+    rect->right = ZR_NearestFloat(static_cast<double>(rect->left) + size.width);
+    rect->bottom = ZR_NearestFloat(static_cast<double>(rect->top) + size.height);
 }
 
 // The rectangle that the frame's lines run down from the top of.

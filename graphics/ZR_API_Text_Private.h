@@ -2,6 +2,9 @@
 #ifndef ZR_API_TEXT_PRIVATE_H
 #define ZR_API_TEXT_PRIVATE_H
 
+#include <algorithm>
+#include <cfloat>
+
 #include "graphics/ZR_API_Device.h"
 #include "graphics/ZR_API_Font.h"
 #include "platform/CoreText/CoreText.h"
@@ -32,6 +35,11 @@ void ZR_StrokeThrough(CGContextRef context, CGColorRef color, double lineWidth, 
 
 // "text-decoration" of both, in the words of SVG; null = none
 const char* ZR_TextDecoration(short style);
+
+// The nearest float; beyond its range the end of it.
+inline float ZR_NearestFloat(double value) {
+    return static_cast<float>(std::clamp(value, -static_cast<double>(FLT_MAX), static_cast<double>(FLT_MAX)));
+}
 
 inline bool ZR_IsRectEmpty(const ZR_Rect* rect) { return !(rect->left < rect->right) || !(rect->top < rect->bottom); }
 

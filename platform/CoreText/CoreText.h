@@ -70,7 +70,8 @@ CFTypeRef CTFontDescriptorCopyAttribute(CTFontDescriptorRef descriptor, CFString
 typedef const struct NSFont* NSFontRef;
 enum NSFontTraitMask : unsigned long { NSItalicFontMask = 1, NSBoldFontMask = 2 };
 NSFontRef ZR_COCOA_NSFontWithName(CFStringRef name, CGFloat size);
-NSFontRef ZR_COCOA_NSFontConvertToHaveTrait(NSFontRef font, unsigned long trait);  // the same font if there is none
+// As NSFontManager's convertFont:toHaveTrait: - the same font if there is none with the trait.
+NSFontRef ZR_COCOA_NSFontConvertToHaveTrait(NSFontRef font, unsigned long trait);
 void ZR_COCOA_NSFontRelease(NSFontRef font);
 
 // Paragraph styles -------------------------------------------------------------------------------------------------

@@ -11,6 +11,7 @@ class FontCommands : public DrawingTest {
     // Parameters as the host passes them: texts, longints, reals, an array.
     void Text(int index, const char* utf8) {
         TestText text(utf8);
+        PA_DisposeUnistring(&strings_[index]);
         strings_[index] = text.text.GetUnistring();
         parameters_[index - 1] = &strings_[index];
     }

@@ -728,6 +728,18 @@ TEST(CTLineDraw, Turned_RunsUp) {
     EXPECT_GE(ink.bottom, 20);
 }
 
+TEST(CTLineDraw, TextMatrix_IsApplied) {
+    Bitmap bitmap(120, 80);
+    CGContextSetTextMatrix(bitmap, {2, 0, 0, 2, 0, 0});
+    CGContextSetTextPosition(bitmap, 10, 20);
+    Line line(u"L", {.size = 20});
+    CTLineDraw(line, bitmap);
+    Extent ink = InkOf(bitmap);
+    EXPECT_NEAR(ink.bottom, 20, 1);
+    EXPECT_NEAR(ink.top, 20 + 1409.0 / 2048 * 40, 1.5);
+    EXPECT_NEAR(CGContextGetTextPosition(bitmap).x, 10 + 2 * line.Width(), 1e-6);
+}
+
 TEST(CTLineDraw, Underline_IsALineBelowTheBaseline) {
     Bitmap bitmap(200, 60);
     CGContextSetTextPosition(bitmap, 10, 30);
