@@ -13,6 +13,7 @@
 #include "host/Objects.h"
 #include "host/Pictures.h"
 #include "host/Text.h"
+#include "host/Tokens.h"
 
 namespace zrhost {
 
@@ -395,6 +396,44 @@ int16_t ServeExecuteFunction(Block& block, Host* host) {
     int16_t error = EvaluateText(*host, Units(block.fParam1, block.fLength1), &answer);
     result.write(answer);
     return error;
+}
+
+// The host's own tokens: 16-bit words in a handle.
+std::span<uint16_t> TokensOf(PA_Handle handle) {
+    std::span<const uint8_t> bytes = HandleSpan(handle);
+    return {bytes.empty() ? nullptr : reinterpret_cast<uint16_t*>(*handle), bytes.size() / sizeof(uint16_t)};
+}
+
+int16_t ServeTokenize(Block& block, Host* host) {
+    const std::vector<uint16_t> words = Tokenize(*host, Units(block.fParam1, block.fLength1));
+    block.fHandle =
+        NewHandle(std::span(reinterpret_cast<const uint8_t*>(words.data()), words.size() * sizeof(uint16_t)));
+    return Answer(block.fHandle != nullptr, ZR_ERR_MEMORY);
+}
+
+int16_t ServeDetokenize(Block& block, Host* host) {
+    auto* record = At<PA_Unistring>(block.fParam1);
+    const std::optional<std::u16string> code = Detokenize(*host, TokensOf(block.fHandle));
+    if (!record || !code) return ZR_ERR_PARAMETER;
+    return Answer(AssignUnistring(record, *code), ZR_ERR_MEMORY);
+}
+
+int16_t ServeByteSwapTokens(Block& block, Host*) {
+    return Answer(ByteSwapTokens(TokensOf(block.fHandle)), ZR_ERR_PARAMETER);
+}
+
+int16_t ServeExecuteTokens(Block& block, Host* host) {
+    const std::optional<std::u16string> code = Detokenize(*host, TokensOf(block.fHandle));
+    if (!code) return ZR_ERR_PARAMETER;
+    for (size_t at = 0; at < code->size();) {
+        const size_t end = std::min(code->find_first_of(u"\r\n", at), code->size());
+        const std::u16string_view line = std::u16string_view(*code).substr(at, end - at);
+        Value answer;
+        if (line.find_first_not_of(u" \t") != line.npos)
+            if (int16_t error = RunMethodOrLine(*host, line, {}, &answer)) return error;
+        at = end + 1;
+    }
+    return ZR_ERR_NONE;
 }
 
 int16_t ServeMethodID(Block& block, Host* host) {

@@ -60,7 +60,7 @@ std::string Shortest(double number) {
     return mantissa + (exponent < 0 ? "e-" : "e+") + std::to_string(std::abs(exponent));
 }
 
-std::u16string Localised(std::string text, const Locale& locale) {
+std::u16string Localised(std::string_view text, const Locale& locale) {
     std::u16string out = Widen(text);
     for (char16_t& unit : out)
         if (unit == u'.') unit = locale.decimal;

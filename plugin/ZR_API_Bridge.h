@@ -175,7 +175,12 @@ PA_Variable PA_ExecuteCollectionMethod(PA_CollectionRef collection, const PA_Uni
                                        short count);
 PA_Variable PA_ExecuteMethod(const PA_Unistring* code, PA_Variable* params, short count);  // a name or a line of code
 PA_Variable PA_ExecuteFunction(const PA_Unistring* expression);
-long PA_GetMethodID(const PA_Unichar* name);  // 0 = unknown
+// The host's own tokens of code; they have nothing to do with the interpreter's.
+PA_Handle PA_Tokenize(const PA_Unistring* code);  // the caller's; null = no memory
+PA_Unistring PA_Detokenize(PA_Handle tokens);     // the caller's; empty = unreadable
+bool PA_ByteSwapTokens(PA_Handle tokens);         // turns the byte order in place; false = unreadable
+void PA_ExecuteTokens(PA_Handle tokens);          // line by line, up to the first error
+long PA_GetMethodID(const PA_Unichar* name);      // 0 = unknown
 PA_Variable PA_ExecuteMethodByID(long method, PA_Variable* params, short count);
 PA_Variable PA_ExecuteMethodByName(const PA_Unichar* name, PA_Variable* params, short count);
 void PA_GetCommandName(long commandID, PA_Unichar* name);  // empty = no such command

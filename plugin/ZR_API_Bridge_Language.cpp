@@ -125,6 +125,35 @@ PA_Variable PA_ExecuteFunction(const PA_Unistring* expression) {
     return result;
 }
 
+PA_Handle PA_Tokenize(const PA_Unistring* code) {
+    EngineBlock block;
+    SetCode(&block, code);
+    block.fHandle = nullptr;
+    ZR_CallHost(ZR_SEL_Tokenize, &block);
+    return block.fHandle;
+}
+
+PA_Unistring PA_Detokenize(PA_Handle tokens) {
+    PA_Unistring code = {0, nullptr, nullptr};
+    EngineBlock block;
+    block.fHandle = tokens;
+    block.fParam1 = ZR_AddressOf(&code);
+    ZR_CallHost(ZR_SEL_Detokenize, &block);
+    return code;
+}
+
+bool PA_ByteSwapTokens(PA_Handle tokens) {
+    EngineBlock block;
+    block.fHandle = tokens;
+    return ZR_CallHost(ZR_SEL_ByteSwapTokens, &block);
+}
+
+void PA_ExecuteTokens(PA_Handle tokens) {
+    EngineBlock block;
+    block.fHandle = tokens;
+    ZR_CallHost(ZR_SEL_ExecuteTokens, &block);
+}
+
 long PA_GetMethodID(const PA_Unichar* name) {
     EngineBlock block;
     ZR_CopyName(block.fName, name);

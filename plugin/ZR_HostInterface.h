@@ -311,6 +311,10 @@ constexpr int ZR_HostArrayElementSize(int kind) {
     X(MethodID, -59, "fName method name", "fParam1 number, 0 if unknown")                                              \
     X(MethodByID, -60, "fParam1 number, fParam2 table, fParam3 count, fParam4 result record", "as ExecuteMethod")      \
     X(CommandName, -61, "fParam1 command", "fName, empty if there is none")                                            \
+    X(Tokenize, -62, "fParam1 units of code, fLength1", "fHandle the host's tokens, the caller's")                     \
+    X(Detokenize, -63, "fHandle tokens, fParam1 string record of the caller", "it is filled; 4001 if unreadable")      \
+    X(ByteSwapTokens, -64, "fHandle tokens", "their other byte order, in place; 4001 if unreadable")                   \
+    X(ExecuteTokens, -65, "fHandle tokens", "every line has run; the first error; 4001 if unreadable")                 \
     X(HostVersion, -56, "fParam3 0x46415354",                                                                          \
       "fParam1 version, fFlags: bit 23 running compiled, bit 27 database compiled")                                    \
     /* Formats */                                                                                                      \

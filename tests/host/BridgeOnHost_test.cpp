@@ -14,6 +14,7 @@ namespace {
 struct Wide {
     std::u16string text;
     Wide(const char* t) : text(t, t + strlen(t)) {}
+    Wide(const char16_t* t) : text(t) {}
     operator const PA_Unichar*() const { return (const PA_Unichar*)text.c_str(); }
     PA_Unistring record() { return {(int32_t)text.size(), (PA_Unichar*)text.data(), nullptr}; }
 };
@@ -21,6 +22,11 @@ std::string Narrow(const PA_Unichar* t) {
     std::string s;
     while (t && *t) s += (char)*t++;
     return s;
+}
+std::u16string TakeUnits(PA_Unistring t) {
+    std::u16string units(reinterpret_cast<const char16_t*>(t.fString), size_t(t.fString ? t.fLength : 0));
+    PA_DisposeUnistring(&t);
+    return units;
 }
 std::string Take(PA_Unistring t) {
     std::string s = t.fString ? std::string(t.fString, t.fString + t.fLength) : "";
@@ -246,6 +252,62 @@ TEST_F(BridgeOnHost, Language_CommandsMethodsExpressions_Run) {
     EXPECT_EQ(PA_GetRealVariable(&r), 8);
     EXPECT_EQ(PA_ExecuteCommandByID(1999, nullptr, 0).fType, 5);
     EXPECT_EQ(PA_GetLastError(), 4003);
+}
+
+TEST_F(BridgeOnHost, HostTokens_CommandsAsNumbersAndBackAgain) {
+    const char16_t* const sources[] = {
+        u"vx:=3\rvy:=Uppercase(\"Uppercase \\\" x\") // Uppercase\r$Uppercase:=1\r/*Length*/Current date",
+        u"",
+        u"Uppercases(1)+Replace string(a;b;c)+my Length",
+        u"\xE000\xE001 odd units \xFFFF",
+    };
+    for (const char16_t* source : sources) {
+        Wide code(source);
+        PA_Unistring c = code.record();
+        PA_Handle tokens = PA_Tokenize(&c);
+        ASSERT_NE(tokens, nullptr);
+        PA_Unistring back = PA_Detokenize(tokens);
+        EXPECT_EQ(TakeUnits(back), source);
+        EXPECT_TRUE(PA_ByteSwapTokens(tokens));
+        back = PA_Detokenize(tokens);  // of the other order: unreadable until it is turned back
+        EXPECT_EQ(PA_GetLastError(), 4001);
+        EXPECT_TRUE(PA_ByteSwapTokens(tokens));
+        PA_DisposeUnistring(&back);
+        back = PA_Detokenize(tokens);
+        EXPECT_EQ(TakeUnits(back), source);
+        PA_DisposeHandle(tokens);
+    }
+}
+
+TEST_F(BridgeOnHost, HostTokens_RunLineByLineUpToAnError) {
+    Wide code(u"vOne:=1\r\nvTwo:=Uppercase(\"two\")\r\rvBad:=((\rvThree:=3");
+    PA_Unistring c = code.record();
+    PA_Handle tokens = PA_Tokenize(&c);
+    PA_ExecuteTokens(tokens);
+    EXPECT_EQ(PA_GetLastError(), 4004);
+    PA_Variable two = PA_GetVariable(Wide("vTwo"));
+    EXPECT_EQ(Take(PA_GetStringVariable(&two)), "TWO");
+    EXPECT_EQ(PA_GetVariable(Wide("vOne")).fType, eVK_Longint);
+    EXPECT_EQ(PA_GetVariable(Wide("vThree")).fType, eVK_Undefined);
+    PA_ClearVariable(&two);
+    PA_DisposeHandle(tokens);
+}
+
+TEST_F(BridgeOnHost, HostTokens_UnreadableOnes_AreRefused) {
+    const std::vector<std::vector<uint16_t>> rows = {
+        {}, {0x3444}, {0x3444, 2, 65}, {1, 1, 65}, {0x3444, 1, 0xE000}, {0x3444, 1, 0xE001}, {0x3444, 1, 0xE000, 9999}};
+    for (const auto& row : rows) {
+        PA_Handle tokens = FromUserData(row.data(), int(row.size() * 2));
+        PA_Unistring back = PA_Detokenize(tokens);
+        EXPECT_EQ(PA_GetLastError(), 4001);
+        EXPECT_EQ(back.fLength, 0);
+        PA_ExecuteTokens(tokens);
+        EXPECT_EQ(PA_GetLastError(), 4001);
+        const bool marked = row.size() >= 2 && row[0] == 0x3444;
+        EXPECT_EQ(PA_ByteSwapTokens(tokens), marked);
+        if (tokens) PA_DisposeHandle(tokens);
+    }
+    EXPECT_FALSE(PA_ByteSwapTokens(nullptr));
 }
 
 TEST_F(BridgeOnHost, HostFacts_OfAnEmptyStructure_AreNeutral) {

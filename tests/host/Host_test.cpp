@@ -104,7 +104,7 @@ TEST_F(HostEngine, Selectors_WithAbsurdNumbers_NeverCrash) {
                                  row.number == ZR_SEL_MethodByID || row.number == ZR_SEL_OpenDialog;
             if (!addressInFour) block.fParam4 = number;
             Call(row.number, &block);
-            if (row.number == ZR_SEL_PointerByName) DisposeHandle(block.fHandle);
+            if (row.number == ZR_SEL_PointerByName || row.number == ZR_SEL_Tokenize) DisposeHandle(block.fHandle);
             if (row.number == ZR_SEL_CollectionCreate)
                 Release(CheckedCollection(reinterpret_cast<void*>(block.fParam1)));
         }
