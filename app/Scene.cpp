@@ -848,18 +848,35 @@ std::string WordsOf(std::string_view message) {
     return Shown(message);
 }
 
-// A key that stands twice in one object would silently win over the first.
-class TwiceGiven {
+// A key that stands twice in one object would silently win over the first. The parser's own callback would cost the
+// square of a long list.
+class TwiceGiven : public nlohmann::json_sax<Json> {
   public:
-    bool operator()(int, Json::parse_event_t event, Json& parsed) {
-        if (event == Json::parse_event_t::object_start) keys_.emplace_back();
-        if (event == Json::parse_event_t::object_end) keys_.pop_back();
-        if (event == Json::parse_event_t::key && !keys_.back().insert(parsed.get_ref<const std::string&>()).second &&
-            twice.empty())
-            twice = parsed.get_ref<const std::string&>();
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool number_integer(number_integer_t) override { return true; }
+    bool number_unsigned(number_unsigned_t) override { return true; }
+    bool number_float(number_float_t, const string_t&) override { return true; }
+    bool string(string_t&) override { return true; }
+    bool binary(binary_t&) override { return true; }
+    bool start_array(std::size_t) override { return true; }
+    bool end_array() override { return true; }
+    bool start_object(std::size_t) override {
+        keys_.emplace_back();
         return true;
     }
-    std::string twice;
+    bool end_object() override {
+        keys_.pop_back();
+        return true;
+    }
+    bool key(string_t& key) override {
+        bool isNew = keys_.back().insert(key).second;
+        if (!isNew) twice = key;
+        return isNew;
+    }
+    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override { return false; }
+
+    std::optional<std::string> twice;
 
   private:
     std::vector<std::set<std::string>> keys_;
@@ -871,12 +888,13 @@ Scene ReadScene(const SceneSource& source, std::vector<SceneProblem>* problems) 
     TwiceGiven keys;
     Json json;
     try {
-        json = Json::parse(source.bytes, std::ref(keys));
+        json = Json::parse(source.bytes);
+        Json::sax_parse(source.bytes, &keys);
     } catch (const Json::parse_error& error) {
         problems->push_back({"", PlaceOf(source.bytes, error.byte) + "this is not JSON: " + WordsOf(error.what())});
     } catch (const Json::exception& error) { problems->push_back({"", "this is not JSON: " + WordsOf(error.what())}); }
-    if (problems->empty() && !keys.twice.empty())
-        problems->push_back({"", "the key " + Quoted(keys.twice) + " stands twice in one object"});
+    if (problems->empty() && keys.twice)
+        problems->push_back({"", "the key " + Quoted(*keys.twice) + " stands twice in one object"});
     return problems->empty() ? Reader(source, problems).scene(json) : Scene{};
 }
 
