@@ -175,13 +175,13 @@ int TextFacts(const Arguments& arguments) {
     if (!wrap && what != "width") throw Refusal{"zr text shows width or wrap, not " + Quoted(what)};
     if (wrap && !arguments.has("width")) throw Refusal{"zr text wrap needs --width N; see zr text --help"};
     if (!wrap && arguments.has("width")) throw Refusal{"--width is for zr text wrap alone"};
+    DrawingHost host;  // outlives the texts, which keep strings of it
     Asked asked = {.text = Text(TextOf(arguments.plain()[1])),
                    .font = Text(Utf16Of(arguments.value("font").value_or("Liberation Sans")))};
     asked.size = WholePoints(arguments, "size", kLargestSize, 12);
     asked.width = WholePoints(arguments, "width", kLargestWidth, 0);
     asked.style = (arguments.has("bold") ? kZRBold : 0) | (arguments.has("italic") ? kZRItalic : 0) |
                   (arguments.has("underline") ? kZRUnderline : 0);
-    DrawingHost host;
     NeedDrawing();
     if (wrap) PrintLines(LinesOf(asked), arguments.has("json"));
     else PrintMeasures(MeasuresOf(asked), arguments.has("json"));
