@@ -12,9 +12,9 @@
 #include "app/Output.h"
 #include "core/ZR_API_Picture.h"
 #include "core/ZR_API_TextArray.h"
-#include "graphics/ZR_API_Device.h"
 #include "graphics/ZR_API_PictureCommands.h"
 #include "host/Pictures.h"
+#include "platform/NativePicture/NativePicture.h"
 #include "plugin/ZR_API_Bridge.h"
 #include "plugin/ZR_API_Plugin.h"
 
@@ -24,14 +24,16 @@ static constexpr size_t kLargestPicture = 1 << 30;  // bytes
 static constexpr double kLargestDpi = 10000;
 static constexpr long kPointsAnInch = 72;
 
+static void SayMissing(std::string_view object, std::string_view packages) {
+    Say(std::string(object) + " cannot be opened; it needs the packages " + std::string(packages));
+}
+
 // The host and the module, without the interpreter.
 class PictureHost {
   public:
     PictureHost() {
         zrhost::Options options;
-        options.missingObject = [](std::string_view object, std::string_view packages) {
-            Say(std::string(object) + " cannot be opened; it needs the packages " + std::string(packages));
-        };
+        options.missingObject = SayMissing;
         host_ = zrhost::Host::Start(std::move(options));
         if (!host_) throw Refusal{"the host does not start: one is active already"};
         ZR_StartupRecord record = host_->startupRecord();
@@ -51,6 +53,9 @@ class LoadedPicture {
         : bytes_(ReadFileBytes(path, "picture", kLargestPicture)),
           host_(PA_CreatePicture(bytes_.data(), static_cast<long>(bytes_.size()))) {
         picture_.Create(static_cast<void**>(host_));
+        auto tell = [](void*, const char* object, const char* packages) { SayMissing(object, packages); };
+        bool asksHost = picture_.format == ZR_PICT_SVG;  // which tells it itself
+        if (known() && !decoded() && !asksHost) ZRNativePictureGetTable()->eachMissing(picture_.format, tell, nullptr);
     }
     ~LoadedPicture() {
         picture_.Dispose();
@@ -61,6 +66,7 @@ class LoadedPicture {
     bool known() const { return picture_.format != ZR_PICT_UNKNOWN; }
     bool decoded() const { return picture_.image || picture_.document; }
     size_t size() const { return bytes_.size(); }
+    const std::string& bytes() const { return bytes_; }
     std::vector<std::string> types();
 
   private:
@@ -188,31 +194,36 @@ static long Resolution(const Arguments& arguments) {  // 0 = not given
     return std::lround(dpi);
 }
 
-// Draws a document at the resolution; false = too large.
-static bool DrawDocument(ZR_Picture* from, long dpi, ZR_Pictformat format, float quality, ZR_Picture* to) {
-    ZR_Device device;
-    to->Create();
-    if (!device.CreateOffscreen(from->width, from->height, /*bitmap*/ true, dpi, dpi)) return false;
-    ZR_Rect all = device.bounds;
-    from->displayFormat = 2;
-    from->Draw(&device, &all, 100, nullptr, ZR_ALIGNMENT_DEFAULT, nullptr);
-    to->Create(&device, format);
-    device.Dispose();
-    if (quality != 1) {
-        to->quality = quality;
-        to->nativeData.Dispose();
-        to->ToBlob(&to->nativeData, /*white*/ false);
+// Draws a document upright at the resolution; empty = too large, or an object is missing, which is told.
+static std::string DrawDocument(LoadedPicture& from, long dpi, ZR_Pictformat format, float quality) {
+    const ZRNativePictureTable* table = ZRNativePictureGetTable();
+    ZRNativePixels pixels;
+    std::string bytes;
+    double scale = static_cast<double>(dpi) / kPointsAnInch;
+    if (!table->decode(from.bytes().data(), static_cast<long>(from.size()), from->format, scale, &pixels)) {
+        auto tell = [](void*, const char* object, const char* packages) { SayMissing(object, packages); };
+        table->eachMissing(from->format, tell, nullptr);
+        return bytes;
     }
-    return true;
+    pixels.dpiX = pixels.dpiY = static_cast<double>(dpi);
+    auto take = [](void* info, const void* made, long n) {
+        static_cast<std::string*>(info)->assign(static_cast<const char*>(made), static_cast<size_t>(n));
+    };
+    table->encode(&pixels, format, static_cast<double>(quality), take, &bytes);
+    table->release(&pixels);
+    return bytes;
 }
 
-static void EncodeImage(ZR_Picture* from, long dpi, ZR_Pictformat format, float quality, ZR_Picture* to) {
-    to->Create(from);
-    to->format = format;
-    to->quality = quality;
-    if (dpi > 0) to->dpiX = to->dpiY = static_cast<float>(dpi);
-    to->nativeData.Dispose();
-    to->ToBlob(&to->nativeData, /*white*/ false);
+static std::string EncodeImage(LoadedPicture& from, long dpi, ZR_Pictformat format, float quality) {
+    ZR_Picture made;
+    made.Create(from.operator->());
+    made.format = format;
+    made.quality = quality;
+    if (dpi > 0) made.dpiX = made.dpiY = static_cast<float>(dpi);
+    Block block;
+    made.ToBlob(block.get(), /*white*/ false);
+    made.Dispose();
+    return std::string(block.bytes());
 }
 
 static int Convert(const Arguments& arguments) {
@@ -225,18 +236,14 @@ static int Convert(const Arguments& arguments) {
     if (target == "-" && StandardOutput::IsTerminal()) throw Refusal{"a picture is binary, not for a terminal"};
     PictureHost host;
     LoadedPicture picture(path);
-    ZR_Picture made;
-    bool drawn = true;
-    if (picture->document)
-        drawn = DrawDocument(picture.operator->(), dpi ? dpi : kPointsAnInch, format, quality, &made);
-    else EncodeImage(picture.operator->(), dpi, format, quality, &made);
-    std::string bytes(made.nativeData.data ? made.nativeData.data : "", static_cast<size_t>(made.nativeData.count));
-    made.Dispose();
+    bool draws = picture->document != nullptr;
+    std::string bytes = draws ? DrawDocument(picture, dpi ? dpi : kPointsAnInch, format, quality)
+                              : EncodeImage(picture, dpi, format, quality);
     if (bytes.empty()) {
         Say(Shown(path) + (!picture.known()     ? " is no picture"
                            : !picture.decoded() ? " cannot be decoded"
-                           : drawn              ? " cannot be written in this format"
-                                                : " is too large at this resolution"));
+                           : draws              ? " cannot be drawn at this resolution"
+                                                : " cannot be written in this format"));
         return kCodeFailed;
     }
     WriteFile(target, bytes);

@@ -1,10 +1,12 @@
 // How alike two texts are.
 #include <algorithm>
+#include <cstring>
 #include <new>
 
 #include "core/ZR_API_Text.h"
 
-static constexpr long kMostCells = 1L << 32;  // of one distance: some seconds; beyond it nothing is in common
+static constexpr long kMostCells =
+    1L << 32;  // of one distance: half a minute; beyond it texts are equal or wholly apart
 
 static constexpr long kMostMatrixCells = 1L << 28;  // 2 GiB
 static constexpr long kRowCost = 8;                 // of a row's own block and pointer, in cells
@@ -60,7 +62,10 @@ long ZR_Text::EditDistance(long thisLength, const ZR_Text* other, long otherLeng
     const long m = other && other->data ? std::clamp(otherLength, 0L, std::max(other->count, 0L)) : 0;
     if (n == 0) return m;
     if (m == 0) return n;
-    if (m > kMostCells / n) return std::max(n, m);
+    if (m > kMostCells / n) {
+        const bool equal = n == m && memcmp(Units(), other->Units(), static_cast<size_t>(n) * sizeof(short)) == 0;
+        return equal ? 0 : std::max(n, m);
+    }
     DistanceRows rows = {matrix, nullptr, m + 1};
     if (!matrix) rows.three = new (std::nothrow) long[static_cast<size_t>(m + 1) * 3];
     if (!matrix && !rows.three) return std::max(n, m);

@@ -38,9 +38,12 @@ struct UnitSearch {
     }
 };
 
+static constexpr long kMostUnits = 1L << 30;  // of a result; the text stays as it is beyond it
+
 // The text with every place replaced, in one pass. What the cursor does, told by what is left behind a place: with a
 // replacement the search goes on right behind it; without one, the unit that slid into its place is passed over.
-static void AddReplaced(const ZR_Text* source, const UnitSearch& search, const ZR_Text* replacement, ZR_Text* out) {
+// False = the result is refused as too long.
+static bool AddReplaced(const ZR_Text* source, const UnitSearch& search, const ZR_Text* replacement, ZR_Text* out) {
     const long count = source->count, skipped = Readable(replacement) > 0 ? 0 : 1;
     const unsigned short* units = source->Units();
     long plain = 0;  // start of the units not yet copied
@@ -48,10 +51,12 @@ static void AddReplaced(const ZR_Text* source, const UnitSearch& search, const Z
         out->AddUniBuffer(units + plain, at - plain);
         if (skipped == 0) out->AddText(replacement);
         plain = at + search.n;
+        if (out->count + (count - plain) > kMostUnits) return false;  // guard
         // Required: an empty replacement skips a unit, so that "a" filtered out of "aaaa" leaves two.
         if (count - plain < search.n + skipped) break;
     }
     out->AddUniBuffer(units + plain, count - plain);
+    return true;
 }
 
 void ZR_Text::Replace(const ZR_Text* search, const ZR_Text* replacement) {
@@ -61,9 +66,10 @@ void ZR_Text::Replace(const ZR_Text* search, const ZR_Text* replacement) {
         ZR_Text replaced;
         replaced.Create();
         replaced.growStep = count;
-        AddReplaced(this, finder, replacement, &replaced);
-        Resize(0);
-        AddText(&replaced);
+        if (AddReplaced(this, finder, replacement, &replaced)) {
+            Resize(0);
+            AddText(&replaced);
+        }
         replaced.Dispose();
     }
     finder.borders.Dispose();

@@ -5,7 +5,7 @@
 static void Smooth(const ZR_Handle* path) {
     ZR_Handle smoothed;
     ZR_CreateSmoothPath(path, &smoothed);
-    FUZZ_CHECK(smoothed.count <= ZR_MOST_SPLINE_LINES + path->count);
+    FUZZ_CHECK(smoothed.count <= ZR_MOST_SPLINE_LINES + path->count * (ZR_SPLINE_LINES_A_SEGMENT + 1));
     smoothed.Dispose();
 }
 

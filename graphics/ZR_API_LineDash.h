@@ -15,7 +15,7 @@ struct ZR_LineDash {
     void Create(const ZR_LineDash* source);  // a copy; null = empty
     void Dispose();
     bool Equal(const ZR_LineDash* other) const;  // null = the dash without lengths and phase
-    void GetPoDoFoText(ZR_Text* out) const;      // appends a PDF dash array, "[3.0 ... ] 0"
+    void GetPoDoFoText(ZR_Text* out) const;      // appends a PDF dash array, "[3 2.5 ] 1.5"
 };
 
 #endif

@@ -18,7 +18,7 @@ struct ZR_MultiStyleRun {
     void Dispose();
 };
 
-inline constexpr long ZR_MOST_SPAN_DEPTH = 100000;  // nested spans; deeper ones end the reading
+inline constexpr long ZR_MOST_SPAN_DEPTH = 100000;  // levels, the text itself being one; a deeper span ends the reading
 
 struct ZR_MultiStyleText {
     ZR_Handle runs;  // of ZR_MultiStyleRun; owned

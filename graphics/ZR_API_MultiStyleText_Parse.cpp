@@ -41,8 +41,8 @@ typedef void ReadProperty(StyleReader* reader, long at, long limit);
 static void ReadFontFamily(StyleReader* reader, long at, long limit) {
     if (reader->styled->GetChar(at - 1) != '\'') return;
     long end = at + 1;
-    while (end < limit && reader->styled->GetChar(end - 1) != '\'') ++end;
-    if (end >= limit) return;
+    while (end < limit && reader->styled->GetChar(end - 1) != '\'' && reader->styled->GetChar(end - 1) != ';') ++end;
+    if (end >= limit || reader->styled->GetChar(end - 1) == ';') return;  // the property ends there
     ZR_Text name;
     name.Create();
     name.AddUniBuffer(reader->styled->Units() + at, end - at - 1);
@@ -50,9 +50,18 @@ static void ReadFontFamily(StyleReader* reader, long at, long limit) {
     name.Dispose();
 }
 
+// Whether a number stands at a position, blanks before it allowed.
+static bool StartsNumber(const ZR_Text* text, long at) {
+    while (text->GetChar(at - 1) == ' ') ++at;
+    unsigned short unit = text->GetChar(at - 1);
+    if (unit == '-' || unit == '+') unit = text->GetChar(at++);
+    if (unit == '.') unit = text->GetChar(at);
+    return unit >= '0' && unit <= '9';
+}
+
 static void ReadFontSize(StyleReader* reader, long at, long) {
     // Required: the "p" of "pt" counts wherever it stands behind the number.
-    if (reader->LastP() < at) return;
+    if (reader->LastP() < at || !StartsNumber(reader->styled, at)) return;
     reader->style->font.SetSize(static_cast<short>(ZR_TruncatedToLong(reader->styled->ReadDouble(at))));
 }
 

@@ -39,18 +39,21 @@ void ZR_AddPathCurve(ZR_Handle* path, float cx1, float cy1, float cx2, float cy2
 void ZR_AddPathQuad(ZR_Handle* path, float cx1, float cy1, float x, float y);
 void ZR_AddPathClose(ZR_Handle* path);
 
-// Path text. Error: 0, -1 bad command, -2 bad number; the records made up to there stay.
+// Path text. *error: 0, -1 bad command, -2 bad number; the records made up to there stay. An empty or null text leaves
+// *error as it is, and the path empty.
 void ZR_CreateHandleFromPathText(ZR_Text* text, ZR_Handle* path,
                                  long* error);             // path must be living; error may be null
 void ZR_GetPathText(const ZR_Handle* path, ZR_Text* out);  // replaces out
 
-// All points of every record
-void ZR_OffsetPathHandle(ZR_Handle* path, ZR_Point delta);
-void ZR_ScalePathHandle(ZR_Handle* path, const ZR_Rect* from, const ZR_Rect* to);  // an empty rectangle = nothing
-void ZR_GetPathBoundingBox(const ZR_Handle* path, ZR_Rect* out);                   // around control points too
+void ZR_OffsetPathHandle(ZR_Handle* path, ZR_Point delta);  // all points of every record, of any kind
+// The points that a record's kind uses; an arc's end and a close stay. An empty rectangle = nothing.
+void ZR_ScalePathHandle(ZR_Handle* path, const ZR_Rect* from, const ZR_Rect* to);
+// Around control points too; closes and unknown kinds add nothing, but the first record's end point always counts.
+void ZR_GetPathBoundingBox(const ZR_Handle* path, ZR_Rect* out);
 
 // The end points of all records, of any kind, as the points of a spline, flattened into lines: about one for every 4
-// points of a segment's longer side. smoothed is made anew. False = fewer than 3 records, smoothed is empty.
+// points of a segment's longer side. smoothed is created: what it held is not disposed. False = fewer
+// than 3 records, smoothed is empty; true with an empty list = no memory.
 bool ZR_CreateSmoothPath(const ZR_Handle* path, ZR_Handle* smoothed);
 
 // CGPath. device: a ZR_Device whose height flips y; null = height 0.
@@ -66,7 +69,7 @@ inline constexpr long ZR_PATH_BAD_NUMBER = -2;
 
 struct ZR_SVGPathParser {
     ZR_Text* text;              // borrowed
-    long position;              // [1..count]
+    long position;              // [1..count], at the end count + 1
     long error;                 // 0, ZR_PATH_BAD_COMMAND, ZR_PATH_BAD_NUMBER
     short command;              // code of the last command
     unsigned short lastChar;    // the unit last looked at
@@ -76,13 +79,16 @@ struct ZR_SVGPathParser {
     void Create(ZR_Text* text);
     short Next();      // a command code; 0 = nothing to do
     double ReadNum();  // 0 with an error
-    // The arc that arguments describe, as curves from *cur, which becomes its end.
+    // The arc that arguments describe, as curves from *cur, which becomes its end. Without a circle (a radius of 0)
+    // the line to its end, and nothing if it ends where it begins.
     void AddArc(ZR_Handle* path, bool relative, ZR_Point* cur);
 };
 
 // Splines ------------------------------------------------------------------------------------------------------------
 
-inline constexpr long ZR_MOST_SPLINE_LINES = 1L << 20;  // lines of one smoothed path, beside one for each segment
+// Lines of one smoothed path: so many, and so many more for each segment. A path that wants more has fewer everywhere.
+inline constexpr long ZR_MOST_SPLINE_LINES = 1L << 20;
+inline constexpr long ZR_SPLINE_LINES_A_SEGMENT = 32;
 
 // A parametric cubic spline through points, with natural ends. The one structure here with a destructor: it lives on
 // the stack of whoever smooths.

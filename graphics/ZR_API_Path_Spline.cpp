@@ -101,10 +101,10 @@ static double WantedLines(const ZR_Spline* spline, long i) {
 }
 
 // Guard: the part of the wanted lines that is drawn, so that far points do not make lines without end.
-static double LinesPart(const ZR_Spline* spline) {
-    double wanted = 0;
-    for (long i = 0; i < spline->count - 1; ++i) wanted += WantedLines(spline, i);
-    return wanted > ZR_MOST_SPLINE_LINES ? ZR_MOST_SPLINE_LINES / wanted : 1;
+static double LinesPart(double wanted, long segments) {
+    const double most = static_cast<double>(ZR_MOST_SPLINE_LINES) +
+                        static_cast<double>(segments) * static_cast<double>(ZR_SPLINE_LINES_A_SEGMENT);
+    return wanted > most ? most / wanted : 1;
 }
 
 static void AddLines(const ZR_Spline* spline, long i, long steps, ZR_Handle* out) {
@@ -117,7 +117,10 @@ static void AddLines(const ZR_Spline* spline, long i, long steps, ZR_Handle* out
 }
 
 static void Flatten(const ZR_Spline* spline, ZR_Handle* out) {
-    const double part = LinesPart(spline);
+    double all = 0;
+    for (long i = 0; i < spline->count - 1; ++i) all += WantedLines(spline, i);
+    const double part = LinesPart(all, spline->count - 1);
+    out->Secure(static_cast<long>(all * part) + spline->count);  // what cannot be had is missed below
     ZR_AddPathMove(out, spline->x[0], spline->y[0]);
     for (long i = 0; i < spline->count - 1; ++i) {
         double wanted = WantedLines(spline, i) * part;

@@ -156,7 +156,8 @@ static bool FindCircle(const float* arguments, double x0, double y0, double x1, 
     if (circle->sweep < 0 && sweep) circle->sweep += kFullTurn;
     if (circle->sweep > 0 && !sweep) circle->sweep -= kFullTurn;
     circle->back = {c * rx, -s * ry, s * rx, c * ry};
-    const double scale = std::max({std::fabs(x0), std::fabs(y0), std::fabs(x1), std::fabs(y1)});
+    const double scale =
+        std::max({std::fabs(x0), std::fabs(y0), std::fabs(x1), std::fabs(y1), std::fabs(rx), std::fabs(ry)});
     return circle->sweep != 0 && Meets(*circle, circle->start, x0, y0, scale) &&
            Meets(*circle, circle->start + circle->sweep, x1, y1, scale);
 }
@@ -174,11 +175,16 @@ static void AddCirclePart(ZR_Handle* path, const Circle& circle, double a, doubl
 
 void ZR_SVGPathParser::AddArc(ZR_Handle* path, bool relative, ZR_Point* cur) {
     const ZR_Point from = *cur;
-    *cur = relative ? ZR_Point{from.x + arguments[5], from.y + arguments[6]} : ZR_Point{arguments[5], arguments[6]};
+    double x = arguments[5], y = arguments[6];
+    if (relative) {
+        x += from.x;
+        y += from.y;
+    }
+    *cur = {static_cast<float>(x), static_cast<float>(y)};
     // Guards: an arc to where it begins is nothing, one without a circle is the line to its end.
-    if (cur->x == from.x && cur->y == from.y) return;
+    if (x == from.x && y == from.y) return;
     Circle circle;
-    if (!FindCircle(arguments, from.x, from.y, cur->x, cur->y, &circle)) return ZR_AddPathLine(path, cur->x, cur->y);
+    if (!FindCircle(arguments, from.x, from.y, x, y, &circle)) return ZR_AddPathLine(path, cur->x, cur->y);
     const long n = static_cast<long>(std::ceil(std::fabs(circle.sweep / kArcSegment)));
     for (long i = 0; i < n; ++i)
         AddCirclePart(path, circle, circle.start + static_cast<double>(i) * circle.sweep / static_cast<double>(n),
@@ -239,6 +245,7 @@ static void RunCommand(PathReader* reader, short code) {
         case 1:
             ZR_AddPathClose(reader->path);
             reader->last = cur;
+            if (reader->newSubpath) reader->start = cur;  // Required: a close behind a close moves the start as well
             reader->newSubpath = true;
             return;
         case 2:

@@ -31,7 +31,8 @@ struct ZR_Region {
     bool PointInRgn(const ZR_Point* p,
                     ZR_Rect* hit) const;  // edges belong to it; hit: the last adding record, null = no
     ZR_Handle CreatePath() const;  // outlines as path records; handed over. Required: those taken away are outlines too
-    HIShapeRef GetRegion(ZR_Device* device);  // in the device's raster space; borrowed; null = no drawing library
+    // In the device's raster space; borrowed; null = no drawing library. A null device: the shape as it last was.
+    HIShapeRef GetRegion(ZR_Device* device);
 };
 
 #endif

@@ -97,7 +97,7 @@ std::optional<Pixels> DecodePicture(const Picture& picture) {
         const int format = table ? FormatOf(one.type) : 0;
         ZRNativePixels decoded;
         if (format == 0) continue;
-        if (!table->decode(Chars(one.bytes), long(one.bytes.size()), format, &decoded)) {
+        if (!table->decode(Chars(one.bytes), long(one.bytes.size()), format, /*scale*/ 1, &decoded)) {
             TellMissing(table, format);
             continue;
         }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 #include "platform/CoreGraphics/CoreGraphics_Private.h"
 #include "platform/ImageIO/ImageIO.h"
@@ -33,15 +34,29 @@ static CGPDFDocumentRef OpenDocument(const char* bytes, long n) {
     return nullptr;
 }
 
-// Page 1 on pixels, a point each.
-static CGImageRef PaintDocument(CGPDFDocumentRef document) {
+// What turns a page of w x h upright, its lower left corner at the origin
+static CGAffineTransform Upright(int rotation, double w, double h) {
+    switch (rotation) {
+        case 90: return {0, -1, 1, 0, 0, w};
+        case 180: return {-1, 0, 0, -1, w, h};
+        case 270: return {0, 1, -1, 0, h, 0};
+        default: return CGAffineTransformIdentity;
+    }
+}
+
+static CGImageRef PaintDocument(CGPDFDocumentRef document, double scale) {
     CGPDFPageRef page = CGPDFDocumentGetPage(document, 1);
     CGRect box = CGPDFPageGetBoxRect(page, kCGPDFCropBox);
-    double w = std::ceil(box.size.width), h = std::ceil(box.size.height);
+    int rotation = CGPDFPageGetRotationAngle(page);
+    double w = std::ceil(box.size.width * scale), h = std::ceil(box.size.height * scale);
     if (!(w >= 1 && h >= 1 && w * h <= kZRNativeMostPixels)) return nullptr;
+    if (!ZRSharedObjectGetState(kZRObjectPDFPaint)->available) return nullptr;  // rather than a blank page
+    if (rotation % 180 != 0) std::swap(w, h);
     Held<CGColorSpaceRef> space(CGColorSpaceCreateDeviceRGB());
     Held<CGContextRef> context(CGBitmapContextCreate(nullptr, static_cast<size_t>(w), static_cast<size_t>(h), 8, 0,
                                                      space.get(), kCGImageAlphaPremultipliedLast));
+    CGContextScaleCTM(context.get(), scale, scale);
+    CGContextConcatCTM(context.get(), Upright(rotation, box.size.width, box.size.height));
     CGContextTranslateCTM(context.get(), -box.origin.x, -box.origin.y);
     CGContextDrawPDFPage(context.get(), page);
     return CGBitmapContextCreateImage(context.get());
@@ -63,18 +78,18 @@ static CGImageRef DecodeBitmap(const char* bytes, long n, double* dpiX, double* 
     return CGImageSourceCreateImageAtIndex(source.get(), 0, nullptr);
 }
 
-static CGImageRef Image(const char* bytes, long n, int format, double* dpiX, double* dpiY) {
+static CGImageRef Image(const char* bytes, long n, int format, double scale, double* dpiX, double* dpiY) {
     *dpiX = *dpiY = 0;
     if (IsBitmap(format)) return DecodeBitmap(bytes, n, dpiX, dpiY);
-    if (format == kZRNativeSVG) return ZRSVGCreateImage(bytes, n, 1);
+    if (format == kZRNativeSVG) return ZRSVGCreateImage(bytes, n, scale);
     if (format != kZRNativePDF) return nullptr;
     Held<CGPDFDocumentRef> document(OpenDocument(bytes, n));
-    return PaintDocument(document.get());
+    return PaintDocument(document.get(), scale);
 }
 
 static void* CreateImage(const char* bytes, long n, int format) {
     double dpiX, dpiY;
-    return Image(bytes, n, format, &dpiX, &dpiY);
+    return Image(bytes, n, format, /*scale*/ 1, &dpiX, &dpiY);
 }
 
 // One page of the image's size in points.
@@ -129,9 +144,9 @@ static void PutStraight(const uint8_t* from, ZRGAlpha alpha, uint8_t* to) {
     to[3] = static_cast<uint8_t>(a);
 }
 
-static bool DecodePixels(const char* bytes, long n, int format, ZRNativePixels* out) {
+static bool DecodePixels(const char* bytes, long n, int format, double scale, ZRNativePixels* out) {
     *out = {};
-    Held<CGImageRef> image(Image(bytes, n, format, &out->dpiX, &out->dpiY));
+    Held<CGImageRef> image(Image(bytes, n, format, scale, &out->dpiX, &out->dpiY));
     if (!image) return false;
     out->width = image->width;
     out->height = image->height;

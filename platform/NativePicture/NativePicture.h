@@ -32,7 +32,8 @@ struct ZRNativePictureTable {
     void* (*createDocument)(const char* bytes, long n,
                             int format);  // a CGPDFDocumentRef of one page at least; likewise
     bool (*getSize)(const char* bytes, long n, int format, double* width, double* height);  // pixels, of PDF points
-    bool (*decode)(const char* bytes, long n, int format, ZRNativePixels* out);
+    // scale: pixels a point for PDF, whose first page is drawn upright within its crop box, and a user unit for SVG.
+    bool (*decode)(const char* bytes, long n, int format, double scale, ZRNativePixels* out);
     void (*release)(ZRNativePixels* pixels);
     // As one of the formats 1 to 5; quality 0..1, of JPEG. take gets all bytes once. false = cannot, take was not
     // called.

@@ -11,7 +11,7 @@
 
 static constexpr long kMostPixelsAByte = 1L << 12;  // a code of 12 bits stands for 4096 pixels at most
 static constexpr long kSmallPicture = 1L << 22;     // pixels; below, any number of bytes will do
-static constexpr long kMostWork = 1L << 28;  // pixels of all frames up to the one wanted
+static constexpr long kMostWork = 1L << 28;         // pixels of all frames up to the one wanted
 
 struct Input {
     const uint8_t* at;

@@ -81,8 +81,12 @@ TEST(TextMatching, EditDistance_LengthsBelowAndBeyondCount_AreCut) {
 
 TEST(TextMatching, EditDistance_AbsurdLengths_EndAtOnce) {
     ZR_Text a = MakeText(std::u16string(1 << 20, u'a'));
-    EXPECT_EQ(a.EditDistance(a.count, &a, a.count, nullptr), 1 << 20);  // beyond the bound nothing is in common
-    EXPECT_EQ(a.PercentMatch(&a, /*caseSensitive*/ true, nullptr), 0);
+    ZR_Text b = MakeText(std::u16string((1 << 20) - 1, u'a') + u"b");
+    EXPECT_EQ(a.EditDistance(a.count, &b, b.count, nullptr), 1 << 20);  // beyond the bound nothing is in common
+    EXPECT_EQ(a.PercentMatch(&b, /*caseSensitive*/ true, nullptr), 0);
+    EXPECT_EQ(a.EditDistance(a.count, &a, a.count, nullptr), 0);  // but the texts are equal
+    EXPECT_EQ(a.PercentMatch(&a, /*caseSensitive*/ true, nullptr), 100);
+    b.Dispose();
     a.Dispose();
 }
 

@@ -112,6 +112,9 @@ TEST(StyledText, Create_Properties) {
         {u"font-size:18.9pt", "1-1 Arial 18 0 #000000"},  // cut
         {u"font-size:65537pt", "1-1 Arial 1 0 #000000"},  // to a short
         {u"font-size:18", "1-1 Arial 12 0 #000000"},      // no "p" behind it
+        {u"font-size:pt", "1-1 Arial 12 0 #000000"},      // no number
+        {u"font-size:;font-family:'Courier New'", "1-1 Courier New 12 0 #000000"},
+        {u"font-family:'A;color:#FF0000;font-family:'", "1-1 Arial 12 0 #FF0000"},  // a property ends at its ";"
         {u"text-align:right;font-size:9p", "1-1 Arial 9 0 #000000"},
         {u"font-weight:bold", "1-1 Arial 12 1 #000000"},
         {u"font-weight:bold;font-weight:bold", "1-1 Arial 12 1 #000000"},

@@ -161,18 +161,28 @@ TEST(Spline, SmoothPath_FarPoints_AreBounded) {
     for (float far : {1e7F, 1e12F, 1e30F, 3e38F, kInf, kNaN}) {
         ZR_Handle path = PathOf({{0, 0}, {far, far}, {-far, 0}, {0, -far}, {1, 1}}), smoothed;
         ASSERT_TRUE(ZR_CreateSmoothPath(&path, &smoothed));
-        EXPECT_LE(smoothed.count, ZR_MOST_SPLINE_LINES + path.count) << far;
+        EXPECT_LE(smoothed.count, ZR_MOST_SPLINE_LINES + path.count * (ZR_SPLINE_LINES_A_SEGMENT + 1)) << far;
         smoothed.Dispose();
         path.Dispose();
     }
     ZR_Handle odd = PathOf({{kNaN, 0}, {kInf, 0}, {0, 0}, {kInf, kNaN}, {0, 0}, {kInf, 0}, {0, kInf}}), lines;
     ASSERT_TRUE(ZR_CreateSmoothPath(&odd, &lines));
-    EXPECT_LE(lines.count, ZR_MOST_SPLINE_LINES + odd.count);
+    EXPECT_LE(lines.count, ZR_MOST_SPLINE_LINES + odd.count * (ZR_SPLINE_LINES_A_SEGMENT + 1));
     lines.Dispose();
     odd.Dispose();
     ZR_Handle path = PathOf({{0, 0}, {4e6F, 0}, {4e6F, 100}}), smoothed;  // just within it
     ASSERT_TRUE(ZR_CreateSmoothPath(&path, &smoothed));
     EXPECT_EQ(smoothed.count, 1 + 1000000 + 25);
+    smoothed.Dispose();
+    path.Dispose();
+}
+
+TEST(Spline, SmoothPath_ManySegments_KeepTheirSteps) {
+    std::vector<ZR_Point> points;
+    for (int i = 0; i <= 60000; ++i) points.push_back({static_cast<float>(i % 2 * 100), 0});
+    ZR_Handle path = PathOf(points), smoothed;
+    ASSERT_TRUE(ZR_CreateSmoothPath(&path, &smoothed));
+    EXPECT_EQ(smoothed.count, 1 + 60000 * 25);
     smoothed.Dispose();
     path.Dispose();
 }

@@ -66,7 +66,7 @@ TEST(PathText, Create_Commands_MakeRecords) {
         {u"M0 0L10 0Zm5 5", u"M0 0 L10 0 Z M5 5"},   // from the start of the subpath
         {u"M0 0L10 0Zl5 5", u"M0 0 L10 0 Z L15 5"},  // Required: "Z" leaves the point
         {u"M2 3L10 0ZM7 7L9 9zm1 1", u"M2 3 L10 0 Z M7 7 L9 9 Z M8 8"},
-        {u"M2 3L10 0ZZm1 1", u"M2 3 L10 0 Z Z M3 4"},
+        {u"M2 3L10 0ZZm1 1", u"M2 3 L10 0 Z Z M11 1"},  // the second close moves the start to where the pen is
         // Required: a move inside an open subpath does not begin one.
         {u"M0 0L10 0M50 50L60 60Zm5 5", u"M0 0 L10 0 M50 50 L60 60 Z M5 5"},
         {u"M0 0C1 2 3 4 5 6ZS1 1 2 2", u"M0 0 C1 2 3 4 5 6 Z C5 6 1 1 2 2"},

@@ -228,6 +228,27 @@ TEST(Path, IsPointInPath_EvenOdd) {
     device.Dispose();
 }
 
+TEST(Path, CreatePathFromHandle_TwoSmoothedRecords_StayALine) {
+    ZR_Handle path;
+    ZR_CreatePathHandle(&path);
+    ZR_AddPathMove(&path, 10, 10);
+    ZR_AddPathLine(&path, 50, 10);
+    ZR_AddPathClose(&path);
+    path.Resize(2);
+    CGPath* plain = ZR_CreatePathFromHandle(&path, false, nullptr);
+    CGPath* smooth = ZR_CreatePathFromHandle(&path, true, nullptr);
+    ASSERT_NE(smooth, nullptr);
+    const CGRect a = CGPathGetBoundingBox(plain), b = CGPathGetBoundingBox(smooth);
+    EXPECT_EQ(a.size.width, 40);
+    EXPECT_EQ(b.size.width, 40);
+    EXPECT_EQ(a.origin.x, b.origin.x);
+    EXPECT_EQ(a.origin.y, b.origin.y);
+    EXPECT_EQ(b.size.height, 0);
+    ZR_DisposePath(smooth);
+    ZR_DisposePath(plain);
+    path.Dispose();
+}
+
 TEST(Path, CreatePathFromHandle_NumbersWithoutEnd_AreSafe) {
     ZR_Device device;
     device.Create();

@@ -1,7 +1,9 @@
 #include "platform/NativePicture/NativePicture.h"
 
+#include <cmath>
 #include <cstring>
 
+#include "platform/SharedObject.h"
 #include "tests/platform/GraphicsSupport.h"
 
 namespace {
@@ -59,6 +61,7 @@ void TakeString(void* info, const void* bytes, long n) {
 
 TEST(NativePicture, EveryFormat_GivesImageDocumentSizeAndPixels) {
     for (const Row& row : Rows()) {
+        if (row.format == kZRNativePDF && !ZRSharedObjectGetState(kZRObjectPDFPaint)->available) continue;
         auto n = static_cast<long>(row.bytes.size());
         Owned<CGImageRef> image = static_cast<CGImageRef>(Table().createImage(row.bytes.data(), n, row.format));
         EXPECT_EQ(CGImageGetWidth(image), 8U) << row.format;
@@ -68,7 +71,7 @@ TEST(NativePicture, EveryFormat_GivesImageDocumentSizeAndPixels) {
         EXPECT_EQ(width, 8) << row.format;
         EXPECT_EQ(height, 4) << row.format;
         ReleasedPixels pixels;
-        ASSERT_TRUE(Table().decode(row.bytes.data(), n, row.format, &pixels)) << row.format;
+        ASSERT_TRUE(Table().decode(row.bytes.data(), n, row.format, 1, &pixels)) << row.format;
         EXPECT_EQ(pixels.width * 100 + pixels.height, 804) << row.format;
         bool bitmap = row.format <= kZRNativeTIFF;
         EXPECT_EQ(pixels.dpiX, bitmap && row.format != kZRNativeGIF ? 144 : 0) << row.format;
@@ -84,13 +87,13 @@ TEST(NativePicture, EveryFormat_GivesImageDocumentSizeAndPixels) {
 TEST(NativePicture, Decode_Alpha_IsNotPremultiplied) {
     std::string png = Encode({Sample()}, kUTTypePNG);
     ReleasedPixels pixels;
-    ASSERT_TRUE(Table().decode(png.data(), static_cast<long>(png.size()), kZRNativePNG, &pixels));
+    ASSERT_TRUE(Table().decode(png.data(), static_cast<long>(png.size()), kZRNativePNG, 1, &pixels));
     EXPECT_EQ(pixels.rgba[2], 255);  // blue
     EXPECT_NEAR(pixels.rgba[3], 128, 1);
     const std::string svg =
         R"(<svg xmlns="http://www.w3.org/2000/svg" width="2" height="2"><rect width="2" height="2" fill="red" opacity="0.5"/></svg>)";
     ReleasedPixels painted;
-    ASSERT_TRUE(Table().decode(svg.data(), static_cast<long>(svg.size()), kZRNativeSVG, &painted));
+    ASSERT_TRUE(Table().decode(svg.data(), static_cast<long>(svg.size()), kZRNativeSVG, 1, &painted));
     EXPECT_NEAR(painted.rgba[0], 255, 1);
     EXPECT_NEAR(painted.rgba[3], 128, 1);
 }
@@ -111,7 +114,7 @@ TEST(NativePicture, DamagedBytesAndOtherFormats_GiveNothing) {
         EXPECT_EQ(Table().createImage(row.bytes.data(), n, row.format), nullptr) << row.format;
         EXPECT_EQ(Table().createDocument(row.bytes.data(), n, row.format), nullptr) << row.format;
         EXPECT_FALSE(Table().getSize(row.bytes.data(), n, row.format, &width, &height)) << row.format;
-        EXPECT_FALSE(Table().decode(row.bytes.data(), n, row.format, &pixels)) << row.format;
+        EXPECT_FALSE(Table().decode(row.bytes.data(), n, row.format, 1, &pixels)) << row.format;
         EXPECT_EQ(pixels.rgba, nullptr);
     }
     EXPECT_EQ(Table().createImage(nullptr, 5, kZRNativePNG), nullptr);
@@ -157,4 +160,38 @@ TEST(NativePicture, EachMissing_TellsNothingWhereAllIsThere) {
                 EXPECT_EQ(std::string(object), "libzr-pdfpaint.so") << "an object is missing";  // that one is optional
             },
             nullptr);
+}
+
+// Turned pages stand upright, and the crop box is the whole of the image.
+TEST(NativePicture, Decode_PDF_IsUprightWithinTheCropBox) {
+    if (!ZRSharedObjectGetState(kZRObjectPDFPaint)->available) GTEST_SKIP();
+    auto page = [](const char* rotation) {  // 40 x 20 points from (10, 10), red at its left end
+        return std::string("%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n") +
+               "2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj\n3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 60 "
+               "60]" +
+               "/CropBox[10 10 50 30]/Rotate " + rotation + "/Contents 4 0 R>>endobj\n4 0 obj<</Length 24>>stream\n" +
+               "1 0 0 rg 10 10 5 20 re f\nendstream endobj\ntrailer<</Root 1 0 R>>\n";
+    };
+    static const struct {
+        const char* rotation;
+        long width, height, x, y;  // x, y: a red pixel
+    } rows[] = {{"0", 80, 40, 2, 20}, {"90", 40, 80, 20, 2}, {"180", 80, 40, 77, 20}, {"270", 40, 80, 20, 77}};
+    for (const auto& row : rows) {
+        std::string pdf = page(row.rotation);
+        ReleasedPixels pixels;
+        ASSERT_TRUE(Table().decode(pdf.data(), static_cast<long>(pdf.size()), kZRNativePDF, 2, &pixels))
+            << row.rotation;
+        EXPECT_EQ(pixels.width, row.width) << row.rotation;
+        EXPECT_EQ(pixels.height, row.height) << row.rotation;
+        EXPECT_EQ(pixels.rgba[(row.y * row.width + row.x) * 4], 255) << row.rotation;
+        EXPECT_EQ(pixels.rgba[(row.y * row.width + row.x) * 4 + 3], 255) << row.rotation;
+        long others = 0;
+        for (long i = 0; i < row.width * row.height; ++i) others += pixels.rgba[i * 4 + 3] == 0;
+        EXPECT_EQ(others, 70 * 40) << row.rotation;
+    }
+    std::string pdf = page("0");
+    for (double scale : {0.0, -1.0, 1e300, std::nan("")}) {
+        ReleasedPixels pixels;
+        EXPECT_FALSE(Table().decode(pdf.data(), static_cast<long>(pdf.size()), kZRNativePDF, scale, &pixels)) << scale;
+    }
 }
