@@ -22,7 +22,7 @@ static void CheckLines(ZR_Text* text, ZR_Font* font, long width) {
     ZR_Text2Array(text, font, width, &lines, 1000000, &consumed);
     for (long i = 1; i <= lines.count; i++) units += lines.GetTextPtr(i)->count;
     FUZZ_CHECK(consumed >= 0 && consumed <= text->count && units <= consumed);
-    FUZZ_CHECK(width < 1 || text->count == 0 || font->size > 1000 || consumed == text->count);
+    FUZZ_CHECK(width < 1 || text->count == 0 || !font->ctFont || font->size > 1000 || consumed == text->count);
     lines.Dispose();
 }
 

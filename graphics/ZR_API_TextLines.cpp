@@ -20,16 +20,23 @@ CGColorRef ZR_CreateTextColor(const ZR_RGBColor* color) {
                                    static_cast<double>(color->alpha));
 }
 
+static CFNumberRef UnderlineNumber(bool underlined) {  // borrowed
+    static const int kValues[] = {kCTUnderlineStyleNone, kCTUnderlineStyleSingle};
+    static const CFNumberRef numbers[] = {CFNumberCreate(nullptr, kCFNumberIntType, &kValues[0]),
+                                          CFNumberCreate(nullptr, kCFNumberIntType, &kValues[1])};
+    return numbers[underlined];
+}
+
 void ZR_SetFontAttributes(CFMutableAttributedStringRef string, CFRange range, const ZR_Font* font,
                           const ZR_RGBColor* color) {
-    int underline = font->style & kZRUnderline ? kCTUnderlineStyleSingle : kCTUnderlineStyleNone;
     CFAttributedStringSetAttribute(string, range, kCTFontAttributeName, font->ctFont);
     if (color) {
         CGColorRef made = ZR_CreateTextColor(color);
         CFAttributedStringSetAttribute(string, range, kCTForegroundColorAttributeName, made);
         CFRelease(made);
     }
-    SetNumber(string, range, kCTUnderlineStyleAttributeName, kCFNumberIntType, &underline);
+    CFAttributedStringSetAttribute(string, range, kCTUnderlineStyleAttributeName,
+                                   UnderlineNumber(font->style & kZRUnderline));
 }
 
 CFMutableAttributedStringRef ZR_CreateAttributedText(const ZR_Text* text, const ZR_Font* font,

@@ -33,7 +33,9 @@ struct __CFAttributedString : CFObject {
 
     // Makes a piece begin at a unit; nothing at the string's end.
     void Cut(CFIndex at) {
-        if (at > 0 && at < Length()) pieces.emplace(at, PieceAt(at)->second);
+        if (at < 1 || at >= Length()) return;
+        auto piece = PieceAt(at);
+        if (piece->first != at) pieces.emplace_hint(std::next(piece), at, piece->second);
     }
 
     CFStringRef string = nullptr;          // owned

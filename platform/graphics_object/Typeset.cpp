@@ -19,7 +19,12 @@ static constexpr long kManyGlyphs = 512;           // from here on those outside
 namespace {
 struct Glyph {
     uint32_t index;
-    float x, y;  // from the run's left end, y down, in points of the typeset's scale
+    float x, y;     // from the run's left end, y down, in points of the typeset's scale
+    uint32_t byte;  // of the text, the first that it stands for
+};
+
+struct ByteRange {
+    int start, end;
 };
 
 struct Typeset : ZRGTypeset {
@@ -29,6 +34,8 @@ struct Typeset : ZRGTypeset {
     std::vector<ZRGTextLine> ownLines;
     std::vector<ZRGTextRun> ownRuns;
     std::vector<Glyph> glyphs;
+    std::string text;                               // UTF-8, for pages: their text can be copied
+    std::vector<ByteRange> bytes;                   // of each run
     std::vector<cairo_scaled_font_t*> scaledFonts;  // owned
     std::vector<FaceMetrics> metrics;               // of these fonts, in points
     double scale = 1;                               // from the size that was set to points
@@ -274,7 +281,7 @@ static long StyleOf(const PangoItem* item, const ZRGTypesetting& from, long star
     return 0;
 }
 
-static void TakeGlyphs(Typeset* set, const PangoGlyphString* glyphs, ZRGTextRun* run) {
+static void TakeGlyphs(Typeset* set, const PangoGlyphString* glyphs, int firstByte, ZRGTextRun* run) {
     int64_t x = 0;
     run->firstGlyph = static_cast<long>(set->glyphs.size());
     for (int i = 0; i < glyphs->num_glyphs; ++i) {
@@ -282,7 +289,8 @@ static void TakeGlyphs(Typeset* set, const PangoGlyphString* glyphs, ZRGTextRun*
         if (g.glyph != PANGO_GLYPH_EMPTY) {
             uint32_t index = g.glyph & PANGO_GLYPH_UNKNOWN_FLAG ? 0 : g.glyph;
             set->glyphs.push_back({index, static_cast<float>(x + g.geometry.x_offset) / PANGO_SCALE,
-                                   static_cast<float>(g.geometry.y_offset) / PANGO_SCALE});
+                                   static_cast<float>(g.geometry.y_offset) / PANGO_SCALE,
+                                   static_cast<uint32_t>(firstByte + glyphs->log_clusters[i])});
         }
         x += g.geometry.width;
     }
@@ -301,9 +309,10 @@ static void TakeRun(Typeset* set, TextThread* thread, const ZRGTypesetting& text
     run.ascent = m.ascent;
     run.descent = m.descent;
     run.leading = m.leading;
-    TakeGlyphs(set, from->glyphs, &run);
+    TakeGlyphs(set, from->glyphs, from->item->offset, &run);
     run.x = *x;
     *x += run.width;
+    set->bytes.push_back({from->item->offset, from->item->offset + from->item->length});
     set->ownRuns.push_back(run);
 }
 
@@ -388,7 +397,7 @@ static bool TakeShaped(Typeset* set, hb_buffer_t* buffer, ZRGTextRun* run) {
     for (unsigned i = 0; i < count; ++i) {
         if (info[i].codepoint == 0) return false;
         set->glyphs.push_back({info[i].codepoint, static_cast<float>(x + at[i].x_offset) / PANGO_SCALE,
-                               static_cast<float>(-at[i].y_offset) / PANGO_SCALE});
+                               static_cast<float>(-at[i].y_offset) / PANGO_SCALE, info[i].cluster});
         x += at[i].x_advance;
     }
     run->glyphs = count;
@@ -417,6 +426,7 @@ static bool SetPlainLine(Typeset* set, TextThread* thread, const ZRGTypesetting&
     run.ascent = m.ascent;
     run.descent = m.descent;
     run.leading = m.leading;
+    set->bytes.push_back({0, static_cast<int>(from.count)});
     set->ownRuns.push_back(run);
     set->ownLines.push_back({0, from.count, run.width, m.ascent, m.descent, m.leading, 0, 1, false});
     return true;
@@ -452,6 +462,7 @@ static ZRGTypeset* SetText(const ZRGTypesetting* from) {
         set->scale = ScaleOf(*from, bytes);
         set->glyphs.reserve(bytes.text.size());
         if (!SetPlainLine(set.get(), &thread, *from, bytes)) SetByPango(set.get(), &thread, *from, bytes);
+        set->text = std::move(bytes.text);
         set->lines = set->ownLines.data();
         set->lineCount = static_cast<long>(set->ownLines.size());
         set->runs = set->ownRuns.data();
@@ -498,8 +509,37 @@ static std::vector<cairo_glyph_t>& CairoGlyphs(ZRGCanvas* canvas, const Typeset*
     return glyphs;
 }
 
-static void PaintGlyphs(cairo_t* cr, const std::vector<cairo_glyph_t>& glyphs, cairo_scaled_font_t* font,
-                        const cairo_matrix_t& matrix, bool outlines, const ZRGPaint* paint) {
+namespace {
+struct Clusters {  // which bytes of a text stand for which glyphs; empty = not told
+    const char* text = nullptr;
+    int length = 0;
+    std::vector<cairo_text_cluster_t> list;
+    bool backward = false;  // glyphs run from the last to the first
+};
+}  // namespace
+
+static Clusters ClustersOf(const Typeset* set, long index) {
+    const ZRGTextRun& run = set->ownRuns[static_cast<size_t>(index)];
+    const ByteRange& range = set->bytes[static_cast<size_t>(index)];
+    const Glyph* glyphs = set->glyphs.data() + run.firstGlyph;
+    Clusters made;
+    made.backward = glyphs[0].byte > glyphs[run.glyphs - 1].byte;
+    auto byteOf = [&](long i) { return static_cast<int>(glyphs[made.backward ? run.glyphs - 1 - i : i].byte); };
+    if (byteOf(0) < range.start) return {};
+    if (byteOf(0) > range.start) made.list.push_back({byteOf(0) - range.start, 0});
+    for (long i = 0, next; i < run.glyphs; i = next) {
+        for (next = i + 1; next < run.glyphs && byteOf(next) == byteOf(i);) ++next;
+        int end = next < run.glyphs ? byteOf(next) : range.end;
+        if (end <= byteOf(i) || end > range.end) return {};
+        made.list.push_back({end - byteOf(i), static_cast<int>(next - i)});
+    }
+    made.text = set->text.data() + range.start;
+    made.length = range.end - range.start;
+    return made;
+}
+
+static void PaintGlyphs(cairo_t* cr, const std::vector<cairo_glyph_t>& glyphs, const Clusters& clusters,
+                        cairo_scaled_font_t* font, const cairo_matrix_t& matrix, bool outlines, const ZRGPaint* paint) {
     cairo_set_matrix(cr, &matrix);
     cairo_set_scaled_font(cr, font);
     cairo_set_source_rgba(cr, paint->color.red, paint->color.green, paint->color.blue, paint->color.alpha);
@@ -516,6 +556,11 @@ static void PaintGlyphs(cairo_t* cr, const std::vector<cairo_glyph_t>& glyphs, c
         cairo_set_antialias(cr, paint->antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
         cairo_set_fill_rule(cr, CAIRO_FILL_RULE_WINDING);
         cairo_fill(cr);
+    } else if (!clusters.list.empty()) {
+        cairo_show_text_glyphs(
+            cr, clusters.text, clusters.length, glyphs.data(), static_cast<int>(glyphs.size()), clusters.list.data(),
+            static_cast<int>(clusters.list.size()),
+            clusters.backward ? CAIRO_TEXT_CLUSTER_FLAG_BACKWARD : static_cast<cairo_text_cluster_flags_t>(0));
     } else {
         cairo_show_glyphs(cr, glyphs.data(), static_cast<int>(glyphs.size()));
     }
@@ -554,10 +599,12 @@ static void DrawRun(ZRGCanvas* canvas, const ZRGTypeset* typeset, long index, co
         auto& glyphs = CairoGlyphs(canvas, set, run, matrix, size);
         if (glyphs.empty()) return;
         bool outlines = larger > kLargestImageGlyph && canvas->kind == CanvasKind::bitmap;
+        Clusters clusters;
+        if (canvas->kind != CanvasKind::bitmap) clusters = ClustersOf(set, index);
         if (paint->shadow)
             CastShadow(canvas, paint->shadow, InkBounds(run, *m, size * s),
-                       [&](cairo_t* to) { PaintGlyphs(to, glyphs, font, matrix, outlines, paint); });
-        PaintGlyphs(canvas->cr.get(), glyphs, font, matrix, outlines, paint);
+                       [&](cairo_t* to) { PaintGlyphs(to, glyphs, clusters, font, matrix, outlines, paint); });
+        PaintGlyphs(canvas->cr.get(), glyphs, clusters, font, matrix, outlines, paint);
     } catch (const std::bad_alloc&) {}
     Finish(canvas, 1);
 }

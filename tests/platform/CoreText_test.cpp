@@ -855,6 +855,27 @@ TEST(CTFrameDraw, OnALayerAndAPage_IsText) {
     EXPECT_EQ(BytesOf(data).find("/Subtype /Image"), std::string::npos);
 }
 
+TEST(CTFrameDraw, OnAPage_TextCanBeCopied) {
+    if (system("command -v pdftotext >/dev/null 2>&1") != 0) GTEST_SKIP() << "pdftotext is missing";
+    std::string path = testing::TempDir() + "/zr_text.pdf", text = testing::TempDir() + "/zr_text.txt";
+    Owned<CGContextRef> page = CGPDFContextCreateWithURL(FileURL(path), nullptr, nullptr);
+    CGPDFContextBeginPage(page, nullptr);
+    auto string =
+        Attributed(u"The office affair fi\x05E9\x05DC\x05D5\x05DD a\xD83D\xDE00z e\x0301", {.font = "DejaVu Sans"});
+    Frame frame(string, CGRectMake(50, 50, 400, 600));
+    CTFrameDraw(frame, page);
+    CGContextSetTextPosition(page, 50, 40);
+    CTLineDraw(Line(u"A plain office line", {.font = "DejaVu Serif"}), page);
+    CGPDFContextEndPage(page);
+    CGPDFContextClose(page);
+    ASSERT_EQ(system(("pdftotext '" + path + "' '" + text + "'").c_str()), 0);
+    std::ifstream file(text);
+    std::string found((std::istreambuf_iterator<char>(file)), {});
+    EXPECT_NE(found.find("The office affair"), std::string::npos) << found;
+    EXPECT_NE(found.find("A plain office line"), std::string::npos) << found;
+    EXPECT_NE(found.find("\u05E9\u05DC\u05D5\u05DD"), std::string::npos) << found;
+}
+
 // Threads and missing fonts ----------------------------------------------------------------------------------------
 
 TEST(CoreTextThreads, ObjectsOutliveTheThreadThatMadeThem) {
