@@ -1,6 +1,7 @@
 // Expressions: a run of tokens without brackets is folded from left to right into one value. There is no precedence;
 // a block holds at most one comparison, which splits it in two.
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 
@@ -143,6 +144,7 @@ struct Pass {
     long logic = 0;
     IndexBrackets text = {{ZREXE_TOKEN_INDEX_OPEN, 0}, {ZREXE_TOKEN_INDEX_CLOSE, 0}, &kErrorStringIndex, 0, 0};
     IndexBrackets element = {{ZREXE_TOKEN_ELEMENT_OPEN, 0}, {ZREXE_TOKEN_ELEMENT_CLOSE, 0}, &kErrorArrayIndex, 0, 0};
+    NextOfKind parametersBegin = {ZREXE_TOKEN_PARAMETERS_BEGIN, 0}, parametersEnd = {ZREXE_TOKEN_PARAMETERS_END, 0};
 };
 
 // The number between the brackets. False = no number, and the error is set.
@@ -264,10 +266,11 @@ void ZR_ExecutionContext::ExecuteTokenizedBlockMemberFunction(ZR_Text* name, ZR_
 }
 
 // Required: with empty brackets no parameter markers are there, and the function is not called.
-static long FoldMemberFunction(ZR_ExecutionContext* context, ZR_Handle* tokens, long at, ZR_Executer_Token* value) {
-    long open = zrExe_GetTokenPosByType(tokens, ZREXE_TOKEN_PARAMETERS_BEGIN, at + 1);
-    long close = open ? zrExe_GetTokenPosByType(tokens, ZREXE_TOKEN_PARAMETERS_END, at + 1) : 0;
-    if (!open || close < open) return at + 1;
+static long FoldMemberFunction(ZR_ExecutionContext* context, ZR_Handle* tokens, long at, ZR_Executer_Token* value,
+                               Pass* pass) {
+    long open = pass->parametersBegin.From(tokens, at + 1);
+    long close = open == LONG_MAX ? LONG_MAX : pass->parametersEnd.From(tokens, at + 1);
+    if (close == LONG_MAX || close < open) return at + 1;
     ZR_Handle parameters;
     zrExe_CreateCopyTokens(&parameters, tokens, open + 1, close - 1, /*shallow*/ true);
     context->ExecuteTokenizedBlockMemberFunction(zrExe_TokenAt(tokens, at)->GetText(), &parameters, value);
@@ -329,7 +332,7 @@ void ZR_ExecutionContext::ExecuteTokenizedBlockSub(ZR_Executer_Token* value, ZR_
             case ZREXE_TOKEN_OBJECT: ExecuteTokenizedBlockObject(token->objectRef, value); break;
             case ZREXE_TOKEN_COLLECTION: ExecuteTokenizedBlockCollection(token->collectionRef, value); break;
             case ZREXE_TOKEN_MEMBER: ExecuteTokenizedBlockMember(token->GetText(), value); break;
-            case ZREXE_TOKEN_MEMBER_CALL: next = FoldMemberFunction(this, tokens, at, value); break;
+            case ZREXE_TOKEN_MEMBER_CALL: next = FoldMemberFunction(this, tokens, at, value, &pass); break;
             default: break;  // tables, comments, stray brackets: no effect
         }
         at = next;
@@ -379,7 +382,10 @@ static bool RepeatText(ZR_Text* target, ZR_Text* unit, double times) {
     if (n < 1 || !unit->count) return true;
     if (n > ZR_MAX_TEXT_UNITS / unit->count || !ZR_MemoryAllows(n * unit->count * 2)) return false;
     target->growStep = n * unit->count + 1;
-    for (long i = 0; i < n; ++i) target->AddText(unit);
+    target->AddText(unit);
+    const long whole = n * unit->count;
+    while (target->count && target->count < whole)  // what is there is doubled
+        target->AddUniBuffer(target->Units(), std::min(target->count, whole - target->count));
     return true;
 }
 

@@ -459,6 +459,11 @@ struct DialogHost {
     Recorder recorder;
     std::vector<std::string> buttons;  // pressed in turn; "closed" closes the window; then resume
     std::vector<std::string> events;
+    struct Opened {
+        std::u16string title;
+        int64_t bounds, kind, flags;
+    };
+    std::vector<Opened> opened;
     size_t next = 0;
     int handle = 0;
     bool sidesAreBooleans = false;  // the rectangle comes back as another kind
@@ -476,6 +481,9 @@ struct DialogHost {
         switch (selector) {
             case ZR_SEL_OpenDialog:
                 events.push_back("open " + name());
+                opened.push_back({std::u16string(reinterpret_cast<const char16_t*>(block->fParam2),
+                                                 static_cast<size_t>(block->fParam2 ? block->fLength2 : 0)),
+                                  block->fParam4, block->fParam3, block->fFlags});
                 block->fHandle = reinterpret_cast<PA_Handle>(&handle);
                 return true;
             case ZR_SEL_DialogWindow: block->fParam1 = 5; return true;
@@ -497,7 +505,7 @@ struct DialogHost {
             case ZR_SEL_ModalDialog: {
                 std::string button = next < buttons.size() ? buttons[next++] : "vl_resume";
                 events.push_back("> " + button);
-                block->fParam1 = button == "closed" ? 2 : 0;
+                block->fParam1 = button == "closed" ? 2 : button == "left" ? 1 : 0;
                 size_t length = button.size();
                 for (size_t i = 0; i < length; i++) block->fName[i] = static_cast<PA_Unichar>(button[i]);
                 block->fName[length] = 0;
@@ -608,6 +616,51 @@ TEST(Debugger, WindowRectangle_SideOfAnotherKindCountsAsZero) {
         EXPECT_EQ(where.right, longints ? 310 : 0);
         EXPECT_EQ(where.bottom, longints ? 220 : 0);
     }
+}
+
+TEST(Debugger, NextStop_OpensAtTheSamePlaceUnderTheTitle) {
+    Program program;
+    program->breakAtStart = true;
+    Text title("Stopped");
+    program->debuggerTitle.Copy(title);
+    DialogHost host;
+    program.Run("a:=1");
+    program.Run("a:=2");
+    ASSERT_EQ(host.opened.size(), 2u);
+    EXPECT_EQ(host.opened[0].bounds, 0);
+    // left, top, right, bottom of the window as it was closed
+    EXPECT_EQ(host.opened[1].bounds, 10L | 20L << 16 | 310L << 32 | 220L << 48);
+    for (const auto& opened : host.opened) {
+        EXPECT_EQ(opened.title, u"Stopped");
+        EXPECT_EQ(opened.kind, 1);
+        EXPECT_EQ(opened.flags, 1);
+    }
+}
+
+TEST(Debugger, ContextReference_SetOnceForAllStops) {
+    Program program;
+    program->breakAtStart = true;
+    DialogHost host;
+    host.buttons = {"vl_step_into", "vl_step_into", "vl_resume"};
+    program.Run("a:=1\na:=2\na:=3");
+    long contexts = 0, redraws = 0;
+    for (const std::string& event : host.events) {
+        contexts += event.compare(0, 19, "vl_debugger_context") == 0;
+        redraws += event.compare(0, 18, "vl_debugger_redraw") == 0;
+    }
+    EXPECT_EQ(contexts, 1);
+    EXPECT_EQ(redraws, 3);
+}
+
+TEST(Debugger, ResultThatIsNeitherAButtonNorTheEnd_LeavesTheFlags) {
+    Program program;
+    program->breakAtStart = true;
+    DialogHost host;
+    host.buttons = {"vl_step_into", "left", "left", "vl_resume"};
+    Outcome outcome = program.Run("a:=1\na:=2\na:=3");
+    EXPECT_EQ(outcome.error(), "");
+    EXPECT_EQ(outcome["a"], "real 3");
+    EXPECT_EQ(host.text(), "open Debugger_New > vl_step_into > left > left > vl_resume close");  // open in between
 }
 
 TEST(Debugger, ErrorWhileStepping_ShownAtEveryStop) {

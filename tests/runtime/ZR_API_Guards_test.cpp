@@ -274,6 +274,8 @@ TEST(Guards, LongLines_AndManyIndexes) {
     RunText("ARRAY REAL($a;3)\n$r:=$a" + Repeat("{", 20000) + Repeat("}", 20000));
     RunText("$r:=" + Repeat("$a{", 3000) + "1" + Repeat("}", 3000));
     RunText(Repeat("->", 50000));
+    RunText("$o:=New object\n$r:=$o" + Repeat(".f()", 60000));
+    EXPECT_EQ(RunFor("$r:=Length(\"ab\"*50000000)"), "real 100000000");
     EXPECT_LT(clock.seconds(), 120);
 }
 
