@@ -32,7 +32,7 @@ struct Asked {
 class Parameters {
   public:
     Parameters& add(Text& text) {
-        strings_[count_] = text.get()->GetUnistring();
+        strings_[count_] = *text.get()->GetUnistringPtr();
         return at(&strings_[count_]);
     }
     Parameters& add(int& number) { return at(&number); }
