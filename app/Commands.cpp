@@ -65,6 +65,31 @@ static constexpr OptionRow kCommandsOptions[] = {
     kHostVersion,
 };
 
+static constexpr OptionRow kDrawOptions[] = {
+    {"output", 'o', "FILE",
+     "Write to this file; .svg, .png or .pdf says what it becomes. FOLDER/ takes a file a scene, named like it, - is "
+     "standard output; both want --format. Several scenes into one .pdf become its pages.",
+     false, nullptr},
+    {"format", 'f', "svg|png|pdf", "What is written, whatever the output is called.", false, nullptr},
+    {"dpi", 0, "N", "Pixels an inch of a PNG, up to 2400 (72: a point is a pixel). The file tells it.", false, nullptr},
+    {"plain", 0, nullptr, "Write SVG with what the primitives of the library write and nothing else.", false, nullptr},
+    {"check", 0, nullptr, "Read the scenes, tell what is wrong, draw nothing.", false, nullptr},
+    {"json", 0, nullptr, "Print one JSON object with what was written and what is wrong, and nothing else.", false,
+     nullptr},
+    {"schema", 0, nullptr, "Print the JSON Schema of scenes, for editors and for those who write them by program.",
+     false, nullptr},
+};
+
+static constexpr OptionRow kTextOptions[] = {
+    {"font", 'n', "NAME", "Family, full or PostScript name of the font (Liberation Sans).", false, nullptr},
+    {"size", 's', "N", "Size in points (12).", false, nullptr},
+    {"bold", 'b', nullptr, "Bold.", false, nullptr},
+    {"italic", 'i', nullptr, "Italic.", false, nullptr},
+    {"underline", 'u', nullptr, "Underlined.", false, nullptr},
+    {"width", 'w', "N", "Whole points that zr text wrap breaks lines at.", false, nullptr},
+    {"json", 0, nullptr, "Print one JSON object and nothing else.", false, nullptr},
+};
+
 static constexpr OptionRow kPictureOptions[] = {
     {"json", 0, nullptr, "info: print a JSON list with one object a file, and nothing else.", false, nullptr},
     {"type", 't', "jpeg|png|bmp|gif|tiff", "convert: the format to write, instead of that of OUT's name.", false,
@@ -98,6 +123,31 @@ static constexpr CommandRow kCommands[] = {
      "Lists every command that the host names, the keywords of the language and the private commands of the "
      "interpreter: number, name, whether the interpreter can run it, and whether it may run on a preemptive process.",
      kCommandsOptions, nullptr, ListCommands},
+    {"draw", "SCENE...", 0, 1 << 20, "Draw scenes as SVG, PNG or PDF.",
+     "Draws scenes. A scene is JSON, a size and a list of calls, each with the arguments of one primitive of the "
+     "drawing library; - is standard input. Coordinates are points, to the right and down from the top left "
+     "corner.\n\n"
+     "  {\"width\":200, \"height\":60, \"calls\":[\n"
+     "    {\"rect\":{\"box\":[10,10,180,40], \"radius\":8, \"fill\":\"#2F6DB5\"}},\n"
+     "    {\"textLayout\":{\"text\":\"Hello\", \"box\":[10,10,180,40], \"align\":\"center\",\n"
+     "      \"vertical\":\"center\", \"fill\":\"White\"}}\n"
+     "  ]}\n\n"
+     "The calls: rect, rects, oval, line, lines, arc, path, text, alignedText, textLayout, styledText, picture, "
+     "region, gradient, shadow, shading, clip, clear, layer, transform, properties. What is wrong in a scene is told "
+     "on standard error with the path of the value, and then nothing is written.\n\n"
+     "  zr draw chart.json -o chart.svg\n"
+     "  zr draw chart.json -o chart.png --dpi 144\n"
+     "  zr draw page1.json page2.json -o report.pdf\n"
+     "  zr draw examples/drawing/*.json -o pictures/ --format png",
+     kDrawOptions, ".json", DrawScenes},
+    {"text", "width|wrap TEXT", 2, 2, "Measure a text, or break it into lines.",
+     "Shows what the exported commands of the library give for a text in a font; TEXT may be - for standard input.\n\n"
+     "zr text width prints the width in points, rounded and exact, height, ascent and what is left below the base "
+     "line, and the family that the name of the font leads to. zr text wrap prints the lines that the text breaks "
+     "into at --width.\n\n"
+     "  zr text width 'Hello, world' --font 'Liberation Serif' --size 18\n"
+     "  zr text wrap - --width 200 < letter.txt",
+     kTextOptions, "width wrap", TextFacts},
     {"picture", "info|convert FILE...", 2, 1000, "Look at pictures and convert them.",
      "zr picture info FILE... tells format, size in pixels (of PDF in points), resolution, the size in points that "
      "follows from it, the types that 4D code sees, and how many bytes a file has.\n\n"

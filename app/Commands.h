@@ -9,6 +9,8 @@ namespace zrtool {
 int RunProgram(const Arguments& arguments);
 int TokenizeFile(const Arguments& arguments);
 int ListCommands(const Arguments& arguments);
+int DrawScenes(const Arguments& arguments);
+int TextFacts(const Arguments& arguments);
 int WorkOnPicture(const Arguments& arguments);
 int ShowHelp(const Arguments& arguments);
 int ShowManual(const Arguments& arguments);

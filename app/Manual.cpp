@@ -10,7 +10,7 @@ namespace zrtool {
 
 static constexpr size_t kWidth = 80;  // columns
 static constexpr const char* kSynopsis = "usage: zr COMMAND [OPTIONS] [ARGUMENTS]";
-static constexpr const char* kPurpose = "Runs 4D code outside the 4D application.";
+static constexpr const char* kPurpose = "Runs 4D code outside the 4D application, and draws.";
 static constexpr struct {
     int status;
     const char* meaning;

@@ -98,7 +98,7 @@ TEST(Options, DoubleDash_EndsTheOptions) {
 TEST(Options, HelpAndManualAndCompletion_NameEveryOption) {
     const std::string manual = RunTool({"manual"}).out, completion = RunTool({"completion", "bash"}).out;
     EXPECT_TRUE(Has(manual, ".SH SYNOPSIS"));
-    for (const char* command : {"run", "tokenize", "commands", "help", "completion", "manual"}) {
+    for (const char* command : {"run", "tokenize", "commands", "draw", "text", "help", "completion", "manual"}) {
         const ToolResult help = RunTool({command, "--help"});
         EXPECT_EQ(help.status, kOk);
         EXPECT_EQ(RunTool({"help", command}).out, help.out) << command;
