@@ -46,8 +46,8 @@ struct ZR_Device {
     void CreateWithCGContext(CGContext* context, ZR_Rect* bounds, float x, float y, bool gray);
     void CreateWithCGContextFlip(CGContext* context, ZR_Rect* bounds);  // for a context whose y runs down
     void CreateSVG(ZR_Rect* bounds);
-    // width x height points, at most 32767 pixels a side and 2^28 in all. Scaled to dpi / 72 if both are given;
-    // a layer only keeps them. false = refused, the device has no context.
+    // width x height points. A bitmap is scaled to dpi / 72 if both are given, and has at most 32767 pixels a side and
+    // 2^28 in all; a layer only keeps them. false = refused, the device has no context.
     bool CreateOffscreen(long width, long height, bool bitmap, long dpiX, long dpiY);
     void Dispose();                  // Required: customProperties is emptied without disposing what it holds
     void DisposeCustomProperties();  // each record's texts, then the handle
@@ -57,7 +57,7 @@ struct ZR_Device {
     void EndDraw();    // nothing
     void Flush();
     void ResetTransform();            // as BeginDraw
-    void SetTransform(ZR_Matrix* m);  // replaces the former transform and drops the clip
+    void SetTransform(ZR_Matrix* m);  // within the former ones, which stay; drops the clip
     CGAffineTransform GetSystemMatrix(ZR_Matrix* m);
     ZR_Point ConvertPointToMatrixPoint(ZR_Matrix* m, ZR_Point p);
     void SetAntialias(bool antialias);
@@ -112,8 +112,10 @@ struct ZR_Device {
                             bool antialias);                         // both offsets above 0, else no shadow
     void RoundRectToPath(ZR_Rect* rect, float radius);               // radius: a diameter, cut to half the sides
     void RoundRectToPath(CGRect rect, float radius);                 // likewise, in the context's space
-    void DrawGradient(ZR_Gradient* gradient, ZR_Rect* rect);         // over the whole clip; pixels only
-    void DrawLayer(ZR_Device* source, ZR_Rect* rect, ZR_Matrix* m);  // clipped to rect; pixels only
+    void DrawGradient(ZR_Gradient* gradient, ZR_Rect* rect);         // over the whole clip; pixels only. Required:
+                                                                     // the radial form in percent leaves its scale
+    void DrawLayer(ZR_Device* source, ZR_Rect* rect, ZR_Matrix* m);  // clipped to rect; pixels only. Required: drops
+                                                                     // the clip, and leaves that of rect without m
     void DrawLayerWOclip(ZR_Device* source, ZR_Rect* rect, ZR_Matrix* m);
 
     // Arcs: ZR_API_Device_Arc.cpp ----------------------------------------------------------------------------------
@@ -148,7 +150,8 @@ struct ZR_Device {
 void ZR_InitGrafics();    // nothing
 void ZR_DeinitGrafics();  // nothing
 
-// An offscreen device onto another one: moved by the difference of the rectangles' origins, or scaled into rect.
+// An offscreen device onto another one: moved in x by the difference of the rectangles' left sides, its bottom on the
+// bottom of destinationRect; or scaled into rect.
 void ZR_CopyBits(ZR_Device* source, ZR_Device* destination, ZR_Rect* sourceRect, ZR_Rect* destinationRect);
 void ZR_CopyScaleBits(ZR_Device* source, ZR_Device* destination, ZR_Rect* rect);
 

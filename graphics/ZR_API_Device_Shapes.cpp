@@ -33,7 +33,7 @@ static void LineRaster(ZR_Device* device, const Line* line, const ZR_ShapePaint*
     const bool underMatrix = device->PerformDrawMatrix(&rect, paint->matrix, &r);
     if (underMatrix) device->PrepareMatrixDrawing(&r);
     ZR_BeginRaster(device, paint);
-    CGContextSetLineWidth(context, paint->width);
+    CGContextSetLineWidth(context, ZR_LineWidth(paint->width));
     if (line->join > 0) CGContextSetLineJoin(context, static_cast<CGLineJoin>(line->join));
     if (line->cap > 0) CGContextSetLineCap(context, static_cast<CGLineCap>(line->cap));
     CGContextBeginPath(context);
@@ -60,7 +60,7 @@ static void LinesRaster(ZR_Device* device, const ZR_Rect* segments, long count, 
     CGContextRef context = device->context;
     const float height = ZR_HeightOf(device);
     ZR_BeginRaster(device, paint);
-    CGContextSetLineWidth(context, paint->width);
+    CGContextSetLineWidth(context, ZR_LineWidth(paint->width));
     CGContextBeginPath(context);
     for (long i = 0; i < count; i++) {
         CGContextMoveToPoint(context, segments[i].left, height - segments[i].top);
@@ -111,7 +111,7 @@ static void PlainRect(CGContextRef context, CGRect r, const ZR_ShapePaint* paint
 static void RoundedRect(ZR_Device* device, CGRect r, float radius, const ZR_ShapePaint* paint, bool fill) {
     if (!fill && !paint->stroke) return;
     device->RoundRectToPath(r, radius);
-    if (paint->stroke) CGContextSetLineWidth(device->context, paint->width);
+    if (paint->stroke) CGContextSetLineWidth(device->context, ZR_LineWidth(paint->width));
     CGContextDrawPath(device->context, fill && paint->stroke ? kCGPathFillStroke : fill ? kCGPathFill : kCGPathStroke);
 }
 
@@ -227,7 +227,7 @@ static void OvalRaster(ZR_Device* device, ZR_Rect* rect, const ZR_ShapePaint* pa
     ZR_BeginRaster(device, paint);
     if (fill) CGContextFillEllipseInRect(context, r);
     if (paint->stroke) {
-        CGContextSetLineWidth(context, paint->width);
+        CGContextSetLineWidth(context, ZR_LineWidth(paint->width));
         CGContextStrokeEllipseInRect(context, r);
     }
     ZR_EndDash(device, paint->dash);
@@ -310,7 +310,7 @@ static void ArcRaster(ZR_Device* device, ArcCurves* arc, const ZR_ShapePaint* pa
     CGContextRef context = device->context;
     if (paint->fill && paint->fillColor) ZR_SetFillColor(device, paint->fillColor, paint->fillColor->alpha);
     if (paint->stroke) ZR_SetStrokeColor(device, paint->strokeColor, paint->strokeColor->alpha);
-    CGContextSetLineWidth(context, paint->width);
+    CGContextSetLineWidth(context, ZR_LineWidth(paint->width));
     device->SetAntialias(paint->antialias);
     if (paint->fill && paint->fillColor) {
         device->AddCurvesAsArc(arc->points, arc->count);
@@ -403,7 +403,7 @@ static void PathRaster(ZR_Device* device, CGPath* path, ZR_Rect* target, ZR_Fill
     CGContextBeginPath(context);
     CGContextAddPath(context, path);
     ZR_BeginRaster(device, paint);
-    if (paint->stroke) CGContextSetLineWidth(context, paint->width);
+    if (paint->stroke) CGContextSetLineWidth(context, ZR_LineWidth(paint->width));
     CGContextDrawPath(context, ModeOf(fill, paint->stroke, rule));
     ZR_EndDash(device, paint->dash);
 }
@@ -473,7 +473,7 @@ void ZR_Device::FrameRegion(ZR_Region* region, ZR_RGBColor* color, float width, 
     SetLineDash(dash);
     HIShapeReplacePathInCGContext(region->GetRegion(this), context);
     ZR_SetStrokeColor(this, color, /*alpha*/ 1);
-    CGContextSetLineWidth(context, width);
+    CGContextSetLineWidth(context, ZR_LineWidth(width));
     CGContextStrokePath(context);
     ZR_EndDash(this, dash);
 }

@@ -336,8 +336,10 @@ static long Within32Bits(long value) { return std::clamp<long>(value, INT_MIN, I
 static uint64_t HashOf(const ZR_Rect* rect) {
     uint64_t words[2];
     memcpy(words, rect, sizeof words);
-    const uint64_t mixed = (words[0] * 0x9E3779B97F4A7C15u ^ words[1]) * 0xC2B2AE3D27D4EB4Fu;
-    return mixed ^ mixed >> 29;
+    // Whole floats have zeros in their low bits: the high ones are brought down before each multiplication.
+    uint64_t mixed = (words[0] ^ words[0] >> 32) * 0x9E3779B97F4A7C15u;
+    mixed = (mixed ^ mixed >> 32 ^ words[1] ^ words[1] >> 32) * 0xC2B2AE3D27D4EB4Fu;
+    return mixed ^ mixed >> 32;
 }
 
 // The slot of a rectangle, or the free one where it belongs; null = there are no slots.
@@ -391,7 +393,7 @@ static long AddClip(ZR_DOM_Tree* tree, const WholeRect* whole, const ZR_Rect* re
 
 void ZR_DOM_Tree::ClipRect(const ZR_Rect* rect) {
     if (!rect) return;
-    // Outwards only at the right and bottom: no point is cut that the rectangle touches.
+    // Required: right and bottom go up to whole points, left and top are cut toward zero.
     const WholeRect whole = {Within32Bits(ZR_TruncatedToLong(rect->left)), Within32Bits(ZR_TruncatedToLong(rect->top)),
                              Within32Bits(ZR_FloatToLongAlwaysRoundUp(rect->right)),
                              Within32Bits(ZR_FloatToLongAlwaysRoundUp(rect->bottom))};

@@ -52,7 +52,8 @@ struct ZR_DOM_Tree {
     void SetGradient(ZR_Text* element, ZR_Gradient* gradient);
 
     // Clips --------------------------------------------------------------------------------------------------------
-    void ClipRect(const ZR_Rect* rect);  // widened to whole points; an equal one is used again
+    void ClipRect(const ZR_Rect* rect);  // right and bottom up to whole points, left and top cut
+                                         // toward zero; an equal one is used again
     bool GetCurrentClip(ZR_Rect* out);   // false = none, out is cleared
     void Clip(ZR_Text* element);         // "clip-path" of the clip in force
 

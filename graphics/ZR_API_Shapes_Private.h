@@ -1,8 +1,10 @@
 // What the drawing primitives share: how a shape is painted, and the one writer of each part of an SVG element and of
 // the raster state. An SVG element is opened, given its geometry, painted and closed, in this order; raster drawing
-// stands between BeginMatrix and EndMatrix.
+// stands between PerformDrawMatrix and the restored state.
 #ifndef ZR_API_SHAPES_PRIVATE_H
 #define ZR_API_SHAPES_PRIVATE_H
+
+#include <cmath>
 
 #include "graphics/ZR_API_Device.h"
 #include "graphics/ZR_API_Gradient.h"
@@ -35,6 +37,8 @@ void ZR_PaintStroke(ZR_Device* device, ZR_Text* element, const ZR_ShapePaint* pa
 void ZR_CloseElement(ZR_Device* device, ZR_Text* element, ZR_Matrix* matrix);  // transform and clip; disposes element
 
 // Raster -----------------------------------------------------------------------------------------------------------
+// What a context takes: it would keep the former width for what is none. 0 draws nothing.
+inline float ZR_LineWidth(float width) { return std::isfinite(width) && width > 0 ? width : 0; }
 void ZR_SetFillColor(ZR_Device* device, const ZR_RGBColor* color, float alpha);
 void ZR_SetStrokeColor(ZR_Device* device, const ZR_RGBColor* color, float alpha);
 void ZR_BeginRaster(ZR_Device* device, const ZR_ShapePaint* paint);  // dash, colours in use, antialias

@@ -283,8 +283,11 @@ Node MakePath(const Place& at, std::u16string_view path) {
     const bool absolute = path.starts_with(u'/');
     if (absolute) path.remove_prefix(1);
     if (!ReadPath(path, &steps)) return kNone;
-    for (const Step& step : steps)
-        if (step.name == u"*" || !step.attribute.empty() || step.index > 0xFFFF) return kNone;
+    int64_t wanted = 0;  // elements of the whole path: a short text must not make millions
+    for (const Step& step : steps) {
+        wanted += std::max(1, step.index);
+        if (step.name == u"*" || !step.attribute.empty() || wanted > 0xFFFF) return kNone;
+    }
     Node node = at.node;
     const size_t first = absolute && at->wideName(node) == steps[0].name ? 1 : 0;
     if (absolute && !first) return kNone;
@@ -532,10 +535,11 @@ void SetXmlElementValue(CommandCall& call) {
     const int value = call.has(3) ? 3 : 2;
     const std::u16string other = call.isText(value) ? u"" : ValueText(call, value);
     const std::u16string_view text = call.isText(value) ? call.text(value) : std::u16string_view(other);
-    if (section && text.find(u"]]>") != text.npos) return Refuse(call);
+    const bool endsSection = HeldByXml(text).find(u"]]>") != std::u16string::npos;
+    if (section && endsSection) return Refuse(call);
     if (!place.isElement()) {  // as a child of its kind could not be written, it is not taken
         const XmlKind kind = place->kind(place.node);
-        const bool data = kind == XmlKind::Data || (kind == XmlKind::CData && text.find(u"]]>") == text.npos);
+        const bool data = kind == XmlKind::Data || (kind == XmlKind::CData && !endsSection);
         if (!data) return Refuse(call);
     }
     place->setText(place.node, text, section ? XmlKind::CData : XmlKind::Data);

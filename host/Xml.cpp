@@ -263,7 +263,18 @@ XmlDocument::Node XmlDocument::addElement(Node parent, std::u16string_view name)
     return node;
 }
 
-XmlDocument::Node XmlDocument::add(Node parent, XmlKind kind, std::u16string_view value) {
+// What is left of a text when the characters are gone that XML cannot hold: what is checked is what is written.
+std::u16string HeldByXml(std::u16string_view value) {
+    std::u16string held(value);
+    std::erase_if(held, [](char16_t unit) {
+        return (unit < 0x20 && unit != u'\t' && unit != u'\n' && unit != u'\r') || unit >= 0xFFFE;
+    });
+    return held;
+}
+
+XmlDocument::Node XmlDocument::add(Node parent, XmlKind kind, std::u16string_view given) {
+    const std::u16string held = kind == XmlKind::Data || kind == XmlKind::Element ? std::u16string() : HeldByXml(given);
+    std::u16string_view value = kind == XmlKind::Data || kind == XmlKind::Element ? given : held;
     std::u16string_view name;
     switch (kind) {
         case XmlKind::Element: return addElement(parent, value);
@@ -283,6 +294,8 @@ XmlDocument::Node XmlDocument::add(Node parent, XmlKind kind, std::u16string_vie
             break;
         case XmlKind::DocumentType:
             if (!IsDocumentType(value) || parent != kTop) return 0;
+            for (Node child = nodes_[kTop].first; child; child = nodes_[child].next)
+                if (this->kind(child) == XmlKind::DocumentType) return 0;  // a document has one
             break;
         default: return 0;
     }
@@ -357,18 +370,40 @@ XmlDocument::Node XmlDocument::copy(Node parent, Node before, const XmlDocument&
 
 // Attributes -------------------------------------------------------------------------------------------------------
 
+namespace {
+
+constexpr int kFewAttributes = 32;  // of an element; with more they are found through a table
+
+uint64_t AttributeKey(uint32_t element, uint32_t name) { return uint64_t(element) << 32 | name; }  // name 0: the mark
+
+}  // namespace
+
+XmlDocument::Attribute XmlDocument::FindAttribute(Node element, uint32_t name, int* walked) const {
+    *walked = 0;
+    if (!manyAttributes_.empty() && manyAttributes_.contains(AttributeKey(element, 0))) {
+        const auto found = manyAttributes_.find(AttributeKey(element, name));
+        return found == manyAttributes_.end() ? 0 : found->second;
+    }
+    for (Attribute a = nodes_[element].firstAttribute; a; a = attributes_[a].next, ++*walked)
+        if (attributes_[a].name == name) return a;
+    return 0;
+}
+
 XmlDocument::Attribute XmlDocument::findAttribute(Node element, std::u16string_view name) const {
     const uint32_t number = FindName(name);
-    if (!number) return 0;
-    for (Attribute a = nodes_[element].firstAttribute; a; a = attributes_[a].next)
-        if (attributes_[a].name == number) return a;
-    return 0;
+    int walked;
+    return number ? FindAttribute(element, number, &walked) : 0;
 }
 
 // The attribute of that name, made behind the others if it is new.
 XmlDocument::Attribute XmlDocument::NewAttribute(Node element, uint32_t name) {
-    for (Attribute a = nodes_[element].firstAttribute; a; a = attributes_[a].next)
-        if (attributes_[a].name == name) return a;
+    int walked;
+    if (const Attribute known = FindAttribute(element, name, &walked)) return known;
+    if (walked >= kFewAttributes) {
+        manyAttributes_[AttributeKey(element, 0)] = 0;
+        for (Attribute a = nodes_[element].firstAttribute; a; a = attributes_[a].next)
+            manyAttributes_[AttributeKey(element, attributes_[a].name)] = a;
+    }
     Attribute a = freeAttributes_;
     if (a) {
         freeAttributes_ = attributes_[a].next;
@@ -382,6 +417,8 @@ XmlDocument::Attribute XmlDocument::NewAttribute(Node element, uint32_t name) {
     attributes_[a].name = name;
     (node.lastAttribute ? attributes_[node.lastAttribute].next : node.firstAttribute) = a;
     node.lastAttribute = a;
+    if (!manyAttributes_.empty() && manyAttributes_.contains(AttributeKey(element, 0)))
+        manyAttributes_[AttributeKey(element, name)] = a;
     return a;
 }
 
@@ -411,6 +448,7 @@ bool XmlDocument::removeAttribute(Node element, std::u16string_view name) {
     for (Attribute a = node.firstAttribute; a != found; a = attributes_[a].next) before = a;
     (before ? attributes_[before].next : node.firstAttribute) = attributes_[found].next;
     if (node.lastAttribute == found) node.lastAttribute = before;
+    if (!manyAttributes_.empty()) manyAttributes_.erase(AttributeKey(element, attributes_[found].name));
     Drop(attributes_[found].value);
     attributes_[found] = {};
     attributes_[found].next = freeAttributes_;
@@ -421,12 +459,14 @@ bool XmlDocument::removeAttribute(Node element, std::u16string_view name) {
 void XmlDocument::FreeAttributes(Node element) {
     for (Attribute a = nodes_[element].firstAttribute; a;) {
         const Attribute next = attributes_[a].next;
+        if (!manyAttributes_.empty()) manyAttributes_.erase(AttributeKey(element, attributes_[a].name));
         Drop(attributes_[a].value);
         attributes_[a] = {};
         attributes_[a].next = freeAttributes_;
         freeAttributes_ = a;
         a = next;
     }
+    if (!manyAttributes_.empty()) manyAttributes_.erase(AttributeKey(element, 0));
     nodes_[element].firstAttribute = nodes_[element].lastAttribute = 0;
 }
 

@@ -1,7 +1,7 @@
 // A document of the XML commands: a tree of nodes in flat tables, with names kept once and values in one block of
-// bytes. A node is an index and a generation: an index is used again after a removal, with another generation. Nodes
-// stay below 300 bytes for an element of ten short attributes, and writing is a walk without recursion, however deep
-// the tree.
+// bytes. A node is an index and a generation: an index is used again after a removal, with another generation. An
+// element of ten attributes takes about 300 bytes beside its values, and writing is a walk without recursion, however
+// deep the tree.
 #ifndef ZRHOST_XML_H
 #define ZRHOST_XML_H
 
@@ -120,6 +120,7 @@ class XmlDocument {
     void EnterName(uint32_t number);
     Node NewNode(Node parent, Node before, XmlKind kind);
     void Unlink(Node node);
+    Attribute FindAttribute(Node element, uint32_t name, int* walked) const;  // 0 = has none
     Attribute NewAttribute(Node element, uint32_t name);
     void FreeAttributes(Node element);
     void WriteStart(std::string& out, Node node) const;
@@ -129,13 +130,15 @@ class XmlDocument {
     std::vector<AttributeRecord> attributes_;
     Node freeNodes_ = 0;
     Attribute freeAttributes_ = 0;
-    std::vector<Name> names_;  // number 0 = none
+    std::unordered_map<uint64_t, Attribute> manyAttributes_;  // of elements that have many, by element and name
+    std::vector<Name> names_;                                 // number 0 = none
     std::vector<uint32_t> nameSlots_;
     std::string bytes_;
     uint64_t wasted_ = 0;  // bytes that no node uses any more
 };
 
 bool IsXmlName(std::u16string_view name);
+std::u16string HeldByXml(std::u16string_view value);  // without the characters that XML cannot hold
 bool IsXmlCharacter(char32_t character);
 // A number as the XML commands write it: no exponent, the shortest decimal that reads back as the same float where the
 // number is a float, else as the same double; 0 for what is no number. At most kXmlNumber bytes; how many.

@@ -36,7 +36,6 @@ inline constexpr char kNoRotation[] = "SVG text has no rotation argument";
 inline constexpr char kWholePointClip[] = "SVG clips are widened to whole points";
 inline constexpr char kWholePointText[] = "SVG text stands at whole points in whole sizes";
 inline constexpr char kPathGradient[] = "A path with a gradient is unfilled in SVG";
-inline constexpr char kArcGradient[] = "Arcs are filled with their colour, on pixels without a gradient";
 inline constexpr char kPathTarget[] = "SVG writes a path as it stands, without target, bounds and smoothing";
 inline constexpr char kRegionAlpha[] = "Regions are opaque on pixels";
 inline constexpr char kRegionOutlines[] = "A subtracted rectangle of a region is one more outline in SVG";

@@ -723,6 +723,44 @@ TEST_F(Shapes, Everything_NoNumbersAndHugeOnes_DoesNotCrash) {
     }
 }
 
+// A width that is none strokes nothing: the context must not keep the one before.
+TEST_F(Shapes, WidthThatIsNone_StrokesNothing) {
+    for (float width : {std::nanf(""), std::numeric_limits<float>::infinity(), -1.0f, 0.0f}) {
+        BitmapCanvas c;
+        c->DrawLine(-50, -50, -40, -50, &gRed, 20, true, 0, 0, nullptr, nullptr, nullptr);
+        ZR_Rect r = Rect(5, 5, 25, 25), segment = Rect(2, 2, 30, 30);
+        c->DrawOval(&r, false, true, nullptr, &gRed, width, true, nullptr, nullptr, nullptr, nullptr);
+        c->DrawArc(&r, 0, 90, true, false, true, nullptr, &gRed, width, true, nullptr, nullptr, nullptr, nullptr);
+        c->DrawRect(&r, false, true, nullptr, &gRed, width, true, 8, true, nullptr, nullptr, nullptr, nullptr);
+        c->DrawLine(0, 10, 30, 10, &gRed, width, true, 0, 0, nullptr, nullptr, nullptr);
+        c->DrawLines(&segment, 1, &gRed, width, true, nullptr);
+        for (int y = 0; y < 36; y += 3)
+            for (int x = 0; x < 36; x += 3) EXPECT_NE(c.At(x, y), kRedDot) << width << " at " << x << ", " << y;
+    }
+}
+
+// Required: without a box of its own a flat path cannot be scaled into its target, and stands where its numbers say.
+TEST_F(Shapes, FlatPathUnderAMatrix_StandsElsewhere) {
+    ZR_Handle path, out;
+    ZR_CreatePathHandle(&path);
+    ZR_CreatePathHandle(&out);
+    ZR_AddPathMove(&path, 10, 30);
+    ZR_AddPathLine(&path, 30, 30);
+    ZR_Rect box;
+    ZR_GetPathBoundingBox(&path, &box);
+    ZR_Rect target = box;
+    ZR_Matrix moved = {1, 0, 0, 1, 1, 0};
+    BitmapCanvas c;
+    c->DrawPath(false, &path, &target, &box, false, true, nullptr, &gRed, 4, true, &moved, nullptr, nullptr, nullptr,
+                &out, ZR_FILL_NONZERO);
+    EXPECT_NE(c.At(20, 30), kRedDot);
+    c->DrawPath(false, &path, &target, &box, false, true, nullptr, &gRed, 4, true, nullptr, nullptr, nullptr, nullptr,
+                nullptr, ZR_FILL_NONZERO);
+    EXPECT_EQ(c.At(20, 30), kRedDot);
+    out.Dispose();
+    path.Dispose();
+}
+
 TEST_F(Shapes, FillRectWithShadow_AnyBlur_Ends) {
     ZR_Rect r = Rect(10, 10, 20, 20);
     for (long blur : {LONG_MIN, -1L, LONG_MAX}) {

@@ -202,6 +202,64 @@ TEST(XmlWriting, TextThatXmlCannotHold_IsLeftOut) {
     EXPECT_EQ(Written(document), "<r a=\"xyz&#9;\">\uFFFD \U0001F600 </r>");
 }
 
+// What is checked is what is left when the characters are gone that XML cannot hold.
+TEST(XmlWriting, MarkupHiddenByControlCharacters_IsRefused) {
+    static const struct {
+        XmlKind kind;
+        const char16_t* text;
+        bool taken;
+    } rows[] = {
+        {XmlKind::CData, u"]]\x01><evil/>", false},
+        {XmlKind::CData, u"]\xFFFE]>", false},
+        {XmlKind::CData, u"]]\x01 >", true},
+        {XmlKind::Comment, u"a -\x01- b", false},
+        {XmlKind::Comment, u"a-\x01", false},
+        {XmlKind::Comment, u"a\x01 b", true},
+        {XmlKind::Instruction, u"p a?\x01><evil/>", false},
+        {XmlKind::Instruction, u"p a?\x01 >", true},
+    };
+    for (const auto& row : rows) {
+        XmlDocument document;
+        const auto root = document.addElement(XmlDocument::kTop, u"a");
+        EXPECT_EQ(document.add(root, row.kind, row.text) != 0, row.taken) << ToUtf8(row.text);
+        XmlDocument again;
+        XmlError error;
+        EXPECT_TRUE(again.parse(document.write(), &error)) << document.write();
+        EXPECT_EQ(again.write(), document.write());
+    }
+}
+
+TEST(XmlReading, SecondDocumentType_IsRefused) {
+    XmlDocument document;
+    XmlError error;
+    EXPECT_FALSE(document.parse("<!DOCTYPE a><!DOCTYPE a><a/>", &error));
+    XmlDocument one;
+    EXPECT_TRUE(one.parse("<!DOCTYPE a><a/>", &error)) << error.text;
+    EXPECT_EQ(one.add(XmlDocument::kTop, XmlKind::DocumentType, u"a"), 0u);
+}
+
+TEST(XmlChanging, ManyAttributes_AreFoundChangedAndRemoved) {
+    XmlDocument document;
+    const auto root = document.addElement(XmlDocument::kTop, u"a");
+    const auto name = [](int i) { return u"n" + FromUtf8(std::to_string(i)); };
+    constexpr int kCount = 30000;  // a walk for each would take minutes under a sanitizer
+    for (int i = 0; i < kCount; i++) ASSERT_TRUE(document.setAttribute(root, name(i), std::u16string_view(u"v")));
+    for (int i = 0; i < kCount; i++) ASSERT_TRUE(document.setAttribute(root, name(i), std::u16string_view(u"w")));
+    for (int i = 0; i < kCount; i += 3) {
+        ASSERT_NE(document.findAttribute(root, name(i)), 0u);
+        if (i < 300) { ASSERT_TRUE(document.removeAttribute(root, name(i))); }
+    }
+    EXPECT_EQ(document.findAttribute(root, u"n0"), 0u);
+    EXPECT_NE(document.findAttribute(root, u"n1"), 0u);
+    EXPECT_FALSE(document.removeAttribute(root, u"n0"));
+    EXPECT_TRUE(document.setAttribute(root, u"n0", std::u16string_view(u"new")));
+    EXPECT_EQ(document.attributeValue(document.findAttribute(root, u"n0")), "new");
+    XmlDocument again;
+    XmlError error;
+    EXPECT_TRUE(again.parse(document.write(), &error)) << error.text;
+    EXPECT_EQ(again.write(), document.write());
+}
+
 TEST(XmlChanging, Nodes_AreUsedAgainWithAnotherGeneration) {
     XmlDocument document;
     const XmlDocument::Node root = document.addElement(XmlDocument::kTop, u"r");
