@@ -3,6 +3,7 @@
 #include <string>
 
 #include "fuzz/FuzzSupport.h"
+#include "host/Host.h"
 #include "host/Xml.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
