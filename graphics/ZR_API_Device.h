@@ -122,12 +122,17 @@ struct ZR_Device {
     void AddCurvesAsArc(ZR_Handle* path, ZR_Point* points, long count);  // as path records; below 4 points nothing
     void AddCurvesAsArc(ZR_Point* points, long count);                   // as the path of the context
 
-    // Text: ZR_API_Device_Text.cpp; font is a ZR_Font ----------------------------------------------------------------
+    // Text: ZR_API_Device_Text.cpp; font is a ZR_Font, a null color is black ------------------------------------------
+    // (x, y): the left end of the baseline. rotation: degrees, counterclockwise, on pixels alone; under a matrix it
+    // turns nothing and Required: moves the text to the origin.
     void DrawText(ZR_Text* text, float x, float y, void* font, ZR_RGBColor* color, float rotation, bool antialias,
                   ZR_Matrix* matrix, ZR_Handle* properties);
     void DrawTextAlignment(ZR_Text* text, float left, float right, float y, void* font, ZR_RGBColor* color,
                            ZR_Alignment alignment, float rotation, bool antialias, ZR_Matrix* matrix,
                            ZR_Handle* properties);
+    // lineSpacing: points between lines. kerning: points behind each glyph, 0 = the font's kerning is off. keepTop: the
+    // block at the top has no room for one more line. A vertical that is none draws nothing. measuring: the size of the
+    // block goes into rect, in SVG its bottom alone.
     void DrawTextLayout(ZR_Text* text, ZR_Rect* rect, ZR_Alignment alignment, ZR_Alignment_Vertical vertical,
                         void* font, ZR_RGBColor* color, bool antialias, ZR_Matrix* matrix, ZR_Handle* properties,
                         bool wordWrap, ZR_Textmeasuring measuring, bool clip, float lineSpacing, float kerning,
@@ -138,6 +143,7 @@ struct ZR_Device {
     void DrawStrikethroughText(const CTFrame* frame, const CGColor* color, float fontSize, ZR_Alignment alignment);
 
     // Styled text: ZR_API_Device_MultiStyleText.cpp; runs is a ZR_MultiStyleText -------------------------------------
+    // Arguments as of DrawTextLayout, always clipped; an empty rectangle measures nothing either.
     void DrawMultiStyleText(ZR_Text* text, void* runs, ZR_Rect* rect, ZR_Alignment alignment,
                             ZR_Alignment_Vertical vertical, void* font, ZR_RGBColor* color, bool antialias,
                             ZR_Matrix* matrix, ZR_Handle* properties, bool wordWrap, ZR_Textmeasuring measuring,

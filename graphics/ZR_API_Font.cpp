@@ -176,6 +176,7 @@ float ZR_Font::GetTextWidth(const ZR_Text* text) {
 }
 
 void ZR_GetFontList(ZR_TextArray* out) {
+    if (!out) return;
     out->Resize(0);
     CTFontCollectionRef collection = CTFontCollectionCreateFromAvailableFonts(nullptr);
     CFArrayRef descriptors = CTFontCollectionCreateMatchingFontDescriptors(collection);

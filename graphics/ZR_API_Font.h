@@ -20,7 +20,7 @@ inline constexpr short kZRUnderline = 4;
 inline constexpr short kZRStrikethrough = 8;
 
 struct ZR_Font {
-    float size;                                  // points
+    float size;                                  // points; 0 is taken as 12
     short style;                                 // kZRBold ... kZRStrikethrough
     float height, ascent, descent, lineSpacing;  // points; 0 = unknown. Nothing sets lineSpacing
     ZR_Text name;                                // family, full or PostScript name
@@ -49,7 +49,8 @@ struct ZR_Font {
     void NSFontDispose();  // releases nsFont
 };
 
-// Never filled: a text laid out unit by unit in a throwaway document. The rendered sizes are not kept.
+// Never filled: a text laid out unit by unit in a throwaway document, the first 64 units of it. The rendered sizes are
+// not kept.
 struct ZR_TextFrame {
     ZR_Handle records;  // empty, growStep 100
     ZR_Text text;       // owned
@@ -64,7 +65,8 @@ void ZR_GetFontList(ZR_TextArray* out);
 
 // The lines that text breaks into at a width, without blanks and line ends behind them; replaces the list. font: a
 // ZR_Font. width, height: points; 0 as height = 32000. *consumed: units of the text that fitted; null = not wanted, and
-// it stays as it is when no line came out.
+// it stays as it is when no line came out. A line has at most 8192 units; a width below 1 or a negative height gives
+// none.
 void ZR_Text2Array(const ZR_Text* text, void* font, long width, ZR_TextArray* out, long height, long* consumed);
 
 // Commands for 4D code ---------------------------------------------------------------------------------------------

@@ -161,6 +161,7 @@ static CTFrameRef CreateFrameOfLines(const ZR_Text* text, ZR_Font* font, long wi
 
 void ZR_Text2Array(const ZR_Text* text, void* font, long width, ZR_TextArray* out, long height, long* consumed) {
     auto with = static_cast<ZR_Font*>(font);
+    if (!out) return;
     out->Resize(0);
     if (!text || text->count < 1 || !with) return;
     if (!with->ctFont) with->CreateCTFont();

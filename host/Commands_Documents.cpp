@@ -130,6 +130,7 @@ int ReadWholeFile(const std::string& path, std::vector<uint8_t>* bytes) {
     struct stat facts {};
     if (!file || ::fstat(file.get(), &facts) != 0) return FileErrorOf(errno);
     if (S_ISDIR(facts.st_mode)) return kFileNotFound;
+    if (S_ISCHR(facts.st_mode) || S_ISBLK(facts.st_mode)) return kFileNotFound;  // guard: a device has no end
     if (facts.st_size > kMaximumSize) return ZR_ERR_MEMORY;
     bytes->resize(size_t(facts.st_size));
     size_t done = 0;

@@ -59,21 +59,44 @@ std::string_view Chars(std::span<const uint8_t> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-// An SVG document: its root element comes after a prolog, comments and a document type at most.
-bool LooksLikeSvg(std::string_view text) {
-    text = text.substr(0, 4096);
+// Behind the document type that begins the text, with the declarations it may hold; npos = it does not end.
+size_t EndOfDocumentType(std::string_view text) {
+    char quote = 0;
+    int depth = 0;
+    for (size_t at = 2; at < text.size(); ++at) {
+        const char c = text[at];
+        if (quote) quote = c == quote ? 0 : quote;
+        else if (c == '"' || c == '\'') quote = c;
+        else if (c == '[') ++depth;
+        else if (c == ']') --depth;
+        else if (c == '>' && depth <= 0) return at;
+    }
+    return text.npos;
+}
+
+// The name of an element that a text begins with is "svg", with any prefix.
+bool BeginsWithSvg(std::string_view text) {
+    std::string_view name = text.substr(1, text.find_first_of(" \t\r\n>/", 1) - 1);
+    if (const size_t colon = name.find(':'); colon != name.npos && colon > 0) name.remove_prefix(colon + 1);
+    return name == "svg" && text.size() > 4;
+}
+
+// Where the root element of an SVG document begins: after a prolog, comments and a document type at most. npos = none.
+size_t RootOfSvg(std::string_view text) {
+    const std::string_view whole = text.substr(0, 1 << 20);
+    text = whole;
     if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
     for (;;) {
         size_t start = text.find_first_not_of(" \t\r\n");
-        if (start == text.npos || text[start] != '<') return false;
+        if (start == text.npos || text[start] != '<') return text.npos;
         text.remove_prefix(start);
-        if (text.starts_with("<svg") && text.size() > 4) return text.find_first_of(" \t\r\n>/") == 4;
-        if (text.starts_with("<svg:svg")) return true;
         size_t end = text.npos;
         if (text.starts_with("<!--")) end = text.find("-->", 4);
-        else if (text.starts_with("<?") || text.starts_with("<!")) end = text.find('>');
-        if (end == text.npos) return false;
-        text.remove_prefix(text.find('>', end) + 1);
+        else if (text.starts_with("<?")) end = text.find('>');
+        else if (text.starts_with("<!")) end = EndOfDocumentType(text);
+        else return BeginsWithSvg(text) ? whole.size() - text.size() : text.npos;
+        if (end == text.npos) return text.npos;
+        text.remove_prefix(text.find('>', end) + 1);  // of a comment the end of its end
     }
 }
 
@@ -138,7 +161,7 @@ int SvgAttribute(std::string_view root, std::string_view name) {
 }
 
 std::pair<int, int> SvgSize(std::string_view text) {
-    size_t start = text.find("<svg");
+    size_t start = RootOfSvg(text);
     if (start == text.npos) return {0, 0};
     std::string_view root = text.substr(start, text.find('>', start) - start);
     return {SvgAttribute(root, " width=\""), SvgAttribute(root, " height=\"")};
@@ -190,7 +213,7 @@ const PictureKind* SniffPicture(std::span<const uint8_t> bytes) {
     for (const Signature& row : kSignatures)
         if (text.size() >= row.at + row.bytes.size() && text.substr(row.at, row.bytes.size()) == row.bytes)
             return &kKinds[row.row];
-    return LooksLikeSvg(text) ? &kKinds[kSvg] : nullptr;
+    return RootOfSvg(text) != text.npos ? &kKinds[kSvg] : nullptr;
 }
 
 const PictureKind* FindPictureKind(std::string_view typeOrExtension) {

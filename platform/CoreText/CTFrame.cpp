@@ -227,6 +227,8 @@ static void FillFrame(CTFrame* frame, const StyledText& text, CFRange range, CGR
     EachLine(text, range, box.size.width, [&](Kept<CTLine> line, const CTParagraphStyle& style) {
         double baseline = y - before - line->ascent;
         if (!(baseline - line->descent >= -kFit)) return false;
+        // Guard: a spacing that leads upward would hold every line of the text.
+        if (y < 0 || baseline > box.size.height + kFit) return false;
         double x = FlushOf(*line, style) * (box.size.width - line->width);
         frame->origins.push_back({std::max(x, 0.0), baseline});
         y = baseline;

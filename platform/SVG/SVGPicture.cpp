@@ -1,5 +1,6 @@
 #include "platform/SVG/SVGPicture.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "platform/CoreGraphics/CoreGraphics_Private.h"
@@ -11,6 +12,24 @@ static constexpr double kLargestPage = 14400;  // points, the most that readers 
 
 static const ZRSTable* SVG() { return static_cast<const ZRSTable*>(ZRSharedObjectGetTable(kZRObjectSVG)); }
 static const uint8_t* U8(const char* bytes) { return reinterpret_cast<const uint8_t*>(bytes); }
+
+// Guard: the renderer copies the list of fonts into every element below it, and ends the process when memory ends.
+static bool IsTooHeavy(std::string_view document) {
+    static constexpr std::string_view kInherited = "font-family";
+    static constexpr size_t kShort = 1024, kMostCopied = 1UL << 26;
+    size_t longest = 0;
+    for (size_t at = 0; (at = document.find(kInherited, at)) != document.npos; at += kInherited.size()) {
+        size_t value = at + kInherited.size();
+        if (const size_t quote = document.find_first_not_of(" \t\r\n=:", value); quote != document.npos) value = quote;
+        const char mark = value < document.size() ? document[value] : 0;
+        const bool quoted = mark == '"' || mark == '\'';
+        const size_t end = quoted ? document.find(mark, value + 1) : document.find_first_of(";<>\"}", value);
+        longest = std::max(longest, std::min(end, document.size()) - value);
+    }
+    if (longest <= kShort) return false;
+    const auto elements = static_cast<size_t>(std::count(document.begin(), document.end(), '<'));
+    return longest > kMostCopied / std::max<size_t>(elements, 1);
+}
 
 // The picture as it is painted: with its text areas as lines. kept holds it if it had to be made.
 static std::string_view Painted(const char* bytes, long n, std::string* kept) {
@@ -29,6 +48,7 @@ bool ZRSVGGetSize(const char* bytes, long n, double* width, double* height) {
 CGImageRef ZRSVGCreateImage(const char* bytes, long n, double scale) {
     double width, height;
     if (!(scale > 0) || !ZRSVGGetSize(bytes, n, &width, &height)) return nullptr;
+    if (IsTooHeavy({bytes, static_cast<size_t>(n)})) return nullptr;
     double w = std::ceil(width * scale), h = std::ceil(height * scale);
     if (!(w >= 1 && h >= 1 && w <= kZRGMaximumSide && h <= kZRGMaximumSide && w * h <= kMostPixels)) return nullptr;
     auto pw = static_cast<long>(w), ph = static_cast<long>(h);
@@ -47,6 +67,7 @@ static bool Append(void* data, const void* bytes, size_t n) {
 CGPDFDocumentRef ZRSVGCreateDocument(const char* bytes, long n) {
     double width, height;
     if (!ZRSVGGetSize(bytes, n, &width, &height) || width > kLargestPage || height > kLargestPage) return nullptr;
+    if (IsTooHeavy({bytes, static_cast<size_t>(n)})) return nullptr;
     CFMutableDataRef data = CFDataCreateMutable(nullptr, 0);
     CGDataProviderRef provider = nullptr;
     std::string kept;

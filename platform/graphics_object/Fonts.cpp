@@ -343,6 +343,17 @@ TextThread::~TextThread() {
     g_object_unref(map);
 }
 
+// The map keeps every size that was ever asked for and finds it among those of the same whole size by comparing them:
+// after some hundred new ones it starts afresh. Called before a text is set, when no layout is under way.
+void TextThread::Tidy() {
+    static constexpr int kMostNewFonts = 256;
+    if (newFonts < kMostNewFonts) return;
+    newFonts = 0;
+    Forget();
+    pango_layout_set_text(layout, "", 0);
+    pango_fc_font_map_cache_clear(PANGO_FC_FONT_MAP(map));
+}
+
 TextThread& ThisThread() {
     thread_local TextThread thread;
     return thread;
@@ -360,6 +371,7 @@ const ThreadFont& TextThread::FontOf(PangoFont* font) {
     PangoFontDescription* description = pango_font_describe_with_absolute_size(font);
     double size = pango_font_description_get_size(description) / static_cast<double>(PANGO_SCALE);
     pango_font_description_free(description);
+    ++newFonts;
     ThreadFont made = {font, pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(font)), MetricsOf(font, size)};
     g_object_ref(font);
     if (made.scaled) cairo_scaled_font_reference(made.scaled);
@@ -373,6 +385,7 @@ PangoFont* TextThread::FontOf(const ZRGFont& font, double size) {
         g_object_unref(loaded.front().font);
         loaded.erase(loaded.begin());
     }
+    ++newFonts;
     PangoFontDescription* description = DescriptionOf(font, size);
     PangoFont* made = pango_context_load_font(context, description);
     pango_font_description_free(description);

@@ -48,6 +48,7 @@ struct TextThread {
     ~TextThread();
     const ThreadFont& FontOf(PangoFont* font);            // valid until the next call
     PangoFont* FontOf(const ZRGFont& font, double size);  // borrowed; null = none
+    void Tidy();                                          // before a text is set
 
     PangoFontMap* map;
     PangoContext* context;
@@ -56,6 +57,7 @@ struct TextThread {
     std::unordered_map<PangoFont*, ThreadFont> fonts;
 
   private:
+    int newFonts = 0;  // since the map was last cleared
     void Forget();
     struct Loaded {
         const Face* face;

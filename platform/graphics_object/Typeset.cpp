@@ -457,6 +457,7 @@ static ZRGTypeset* SetText(const ZRGTypesetting* from) {
     if (from->breaking != kZRGNoBreaks && !(from->width > 0)) return nullptr;
     try {
         TextThread& thread = ThisThread();
+        thread.Tidy();
         auto set = std::make_unique<Typeset>();
         Bytes bytes = ToBytes(*from);
         set->scale = ScaleOf(*from, bytes);

@@ -229,8 +229,8 @@ TEST_F(DeviceText, DrawText_Raster_NumbersThatAreNone_DrawNothing) {
     BitmapCanvas canvas;
     TestFont huge(1e9f);
     DrawText(&canvas.device, "Hi", 10, 20, huge);
-    TestFont font;
-    DrawText(&canvas.device, "Hi", 10, 20, font);
+    TestFont usual;
+    DrawText(&canvas.device, "Hi", 10, 20, usual);
     EXPECT_GT(canvas.Count(), 10) << "what comes behind a giant is drawn";
 }
 

@@ -453,6 +453,11 @@ TEST_F(HostObjects, Pictures_AreTypedByTheirBytes) {
         {"MM\0*\xff\xff\xff\xff"s, "image/tiff", 0, 0},
         {"%PDF-1.7"s, "application/pdf", 0, 0},
         {"<svg width=\"12\" height=\"7.5\">"s, "image/svg+xml", 12, 7},
+        // As drawing programs write them.
+        {"<!DOCTYPE svg PUBLIC \"x\" \"y>\" [ <!ENTITY ns \"a>b\"> <!-- c --> ]>\n<svg width=\"3\" height=\"4\">"s,
+         "image/svg+xml", 3, 4},
+        {"<!--" + std::string(9000, '-') + "--><svg width=\"3\" height=\"4\">", "image/svg+xml", 3, 4},
+        {"<ns0:svg xmlns:ns0=\"http://www.w3.org/2000/svg\" width=\"3\" height=\"4\">"s, "image/svg+xml", 3, 4},
         {"\xef\xbb\xbf<?xml version=\"1.0\"?>\n<!-- a > b -->\n<!DOCTYPE svg>\n<svg>"s, "image/svg+xml", 0, 0},
         {"II\xbc\x01"s, "image/vnd.ms-photo", 0, 0},
         {"DDS |\0\0\0\0\0\0\0\x08\0\0\0\x04\0\0\0"s, "image/vnd-ms.dds", 4, 8},

@@ -370,6 +370,15 @@ TEST(CTLine, VeryLongInALargeFont_DoesNotWrapAround) {
 }
 
 // A line of printable ASCII in one style takes a short way. A unit without width behind it takes the long one.
+// Of thousands of sizes none is kept for ever: a walk over all of them at each new one would take minutes.
+TEST(CTLine, ThousandsOfSizes_KeepTheirWidths) {
+    const double reference = Width(u"sample", {.size = 10});
+    for (int i = 0; i < 3000; i++) {
+        const double size = 10 + i / 1000.0;
+        EXPECT_NEAR(Width(u"sample", {.size = size}), reference * size / 10, 0.01) << size;
+    }
+}
+
 TEST(CTLine, PlainText_IsSetAsAllOtherText) {
     unsigned seed = 1;
     auto random = [&](unsigned n) { return (seed = seed * 1664525 + 1013904223) / 65536 % n; };
@@ -533,6 +542,16 @@ TEST(CTFrame, Rectangles_ThatAreNone_HaveNoLines) {
     Frame frame(u"abc", 100, 100);
     Owned<CFTypeRef> none = CTFramesetterCreateFrame(frame.Setter(), CFRangeMake(0, 0), empty.get(), nullptr);
     EXPECT_EQ(CFArrayGetCount(CTFrameGetLines(static_cast<CTFrameRef>(none.get()))), 0);
+}
+
+// A spacing that leads upward must not put every line of a long text into the frame.
+TEST(CTFrame, NegativeSpacing_EndsAtTheTop) {
+    const std::u16string text(100000, u'a');
+    for (double spacing : {-100.0, -1e30}) {
+        Frame frame(text, 8, 60, {.spacing = spacing});
+        EXPECT_LE(frame.Count(), 2) << spacing;
+    }
+    EXPECT_GE(Frame(text, 8, 60, {.spacing = -2}).Count(), 4);
 }
 
 TEST(CTFrame, Alignment_PlacesTheLine) {

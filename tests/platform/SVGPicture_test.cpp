@@ -57,6 +57,22 @@ TEST(SVGPicture, BrokenOrAbsurd_IsNull) {
     EXPECT_EQ(ZRSVGCreateDocument("x", 1), nullptr);
 }
 
+// What the renderer copies into every element is bounded: it ends the process when memory ends.
+TEST(SVGPicture, LongInheritedFontOverManyElements_IsRefused) {
+    const auto document = [](size_t length, size_t elements) {
+        std::string svg = "<svg xmlns='http://www.w3.org/2000/svg' width='20' height='20' font-family='";
+        svg += std::string(length, 'x') + "'>";
+        for (size_t i = 0; i < elements; i++) svg += "<text y='9'>a</text>";
+        return svg + "</svg>";
+    };
+    for (auto [length, elements, drawn] :
+         {std::tuple{1000000, 20000, false}, {100000, 4000, false}, {100000, 50, true}, {900, 2000, true}}) {
+        const std::string svg = document(static_cast<size_t>(length), static_cast<size_t>(elements));
+        Owned<CGImageRef> image = ZRSVGCreateImage(svg.data(), static_cast<long>(svg.size()), 1);
+        EXPECT_EQ(image.get() != nullptr, drawn) << length << " x " << elements;
+    }
+}
+
 TEST(SVGPicture, References_ReadNoFiles) {
     std::string svg =
         "<svg xmlns='http://www.w3.org/2000/svg' xmlns:xlink='http://www.w3.org/1999/xlink' width='10' "
