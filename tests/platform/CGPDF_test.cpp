@@ -221,6 +221,80 @@ TEST(CGPDFContext, JPEG_StaysAsItIs) {
 
 // Documents --------------------------------------------------------------------------------------------------------
 
+TEST(CGPDFContext, OddOperation_LosesNoOtherPage) {
+    auto picture = Picture(9, 7, [](CGContextRef c) { CGContextFillRect(c, CGRectMake(1, 1, 4, 4)); });
+    struct { const char* name; Draw draw; } rows[] = {
+        {"flat image in a layer",
+         [&](CGContextRef c) {
+             Owned<CGLayerRef> layer = CGLayerCreateWithContext(c, {200, 100}, nullptr);
+             CGContextDrawImage(CGLayerGetContext(layer), CGRectMake(10, 10, 4e6, 0.5), picture);
+             CGContextDrawLayerAtPoint(c, {0, 0}, layer);
+         }},
+        {"flat image", [&](CGContextRef c) { CGContextDrawImage(c, CGRectMake(10, 10, 4e6, 0.5), picture); }},
+        {"hair of a layer in a layer",
+         [](CGContextRef c) {
+             Owned<CGLayerRef> layer = CGLayerCreateWithContext(c, {120, 90}, nullptr),
+                               inner = CGLayerCreateWithContext(c, {30, 20}, nullptr);
+             CGContextFillRect(CGLayerGetContext(inner), CGRectMake(3, 3, 9, 9));
+             CGContextDrawLayerInRect(CGLayerGetContext(layer), CGRectMake(1e-30, -45, 1e-9, 147), inner);
+             CGContextDrawLayerAtPoint(c, {0, 0}, layer);
+         }},
+        {"far tiles cleared in a layer",
+         [&](CGContextRef c) {
+             Owned<CGLayerRef> layer = CGLayerCreateWithContext(c, {120, 90}, nullptr);
+             CGContextDrawTiledImage(CGLayerGetContext(layer), CGRectMake(32767, -49, 3, -1), picture);
+             CGContextClearRect(CGLayerGetContext(layer), CGRectMake(0.5, 83, -49, 123));
+             CGContextDrawLayerAtPoint(c, {0, 0}, layer);
+         }},
+        {"flat pen",
+         [](CGContextRef c) {
+             CGContextRotateCTM(c, -2);
+             CGContextScaleCTM(c, 1e-30, 95);
+             CGContextRotateCTM(c, 24);
+             CGContextStrokeRectWithWidth(c, CGRectMake(-19, 33, -46, 8.4e6), 38);
+         }},
+        {"nearly flat pen",
+         [](CGContextRef c) {
+             CGContextScaleCTM(c, 1e-9, 1);
+             CGContextRotateCTM(c, 1);
+             CGContextStrokeRectWithWidth(c, CGRectMake(-1e7, -1e7, 2e7, 2e7), 1e7);
+         }},
+    };
+    for (auto& row : rows) {
+        auto odd = [&](CGContextRef c) {
+            CGContextSaveGState(c);
+            row.draw(c);
+            CGContextRestoreGState(c);
+            Blue(c);
+        };
+        auto document = Open(PDF({Red, odd, Red}));
+        ASSERT_EQ(CGPDFDocumentGetNumberOfPages(document), 3u) << row.name;
+        for (size_t page = 1; page <= 3; ++page) {
+            Bitmap bitmap(200, 100);
+            CGContextDrawPDFPage(bitmap, CGPDFDocumentGetPage(document, page));
+            EXPECT_EQ(bitmap.At(page == 2 ? 120 : 20, page == 2 ? 60 : 20), page == 2 ? kBlue : kRed)
+                << row.name << " page " << page;
+        }
+    }
+}
+
+TEST(CGPDFContext, JPEG_InALayer_StaysAsItIs) {
+    auto picture = Picture(300, 200, [](CGContextRef c) {
+        for (int i = 0; i < 300; ++i) {
+            CGContextSetRGBFillColor(c, i / 300.0, i * 7 % 300 / 300.0, i * 13 % 300 / 300.0, 1);
+            CGContextFillRect(c, CGRectMake(i, i % 50, 1, 150));
+        }
+    });
+    std::string jpeg = Encode({picture}, kUTTypeJPEG);
+    auto decoded = Decode(jpeg);
+    std::string pdf = PDF({[&](CGContextRef c) {
+        Owned<CGLayerRef> layer = CGLayerCreateWithContext(c, {200, 100}, nullptr);
+        CGContextDrawImage(CGLayerGetContext(layer), CGRectMake(0, 0, 150, 100), decoded);
+        CGContextDrawLayerAtPoint(c, {0, 0}, layer);
+    }});
+    EXPECT_NE(pdf.find(jpeg), std::string::npos);
+}
+
 TEST(CGPDFDocument, Boxes_InheritFallBackAndAreCut) {
     static const struct {
         const char* entries;
