@@ -171,7 +171,11 @@ struct CGDataProvider : CFObject {
 struct CGDataConsumer : CFObject {
     CFTypeID typeID() const override { return kCGTypeDataConsumer; }
     virtual bool Write(const void* bytes, size_t n) = 0;  // false = cannot
+    virtual bool Commit() { return true; }                // all is written; false = it could not be kept
 };
+
+// A consumer for a file that keeps its old content until Commit; null = cannot be written
+CGDataConsumerRef CreateReplacingConsumer(CFURLRef url);
 
 // A whole regular file; null = cannot, or larger than 2^31 bytes
 CFDataRef CreateDataFromFile(CFURLRef url);

@@ -40,8 +40,10 @@ CGImageRef ZRSVGCreateImage(const char* bytes, long n, double scale) {
 }
 
 static bool Append(void* data, const void* bytes, size_t n) {
-    CFDataAppendBytes(static_cast<CFMutableDataRef>(data), static_cast<const UInt8*>(bytes), static_cast<CFIndex>(n));
-    return true;
+    auto target = static_cast<CFMutableDataRef>(data);
+    CFIndex wanted = CFDataGetLength(target) + static_cast<CFIndex>(n);
+    CFDataAppendBytes(target, static_cast<const UInt8*>(bytes), static_cast<CFIndex>(n));
+    return CFDataGetLength(target) == wanted;
 }
 
 CGPDFDocumentRef ZRSVGCreateDocument(const char* bytes, long n) {
