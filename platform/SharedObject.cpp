@@ -45,7 +45,8 @@ static std::string FolderOfObjects() {
     if (!dladdr1(reinterpret_cast<void*>(&ZRSharedObjectGetTable), &self, &map, RTLD_DL_LINKMAP)) return "";
     // Where the loader found it: the name alone may be relative to a folder that is no longer the current one.
     std::string folder(kLongestOrigin, 0);
-    if (map && dlinfo(map, RTLD_DI_ORIGIN, folder.data()) == 0 && folder[0] == '/') return folder.c_str() + std::string("/");
+    if (map && dlinfo(map, RTLD_DI_ORIGIN, folder.data()) == 0 && folder[0] == '/')
+        return folder.c_str() + std::string("/");
     std::string path = self.dli_fname ? self.dli_fname : "";
     return path.substr(0, path.rfind('/') + 1);
 }

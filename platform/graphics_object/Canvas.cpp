@@ -15,7 +15,7 @@ static constexpr long kLargestLayerPicture = 1L << 24;  // pixels
 static constexpr double kPenSteps = 500;                // of a pen's width: how near its round parts come
 static constexpr double kSmallestTile = 1.0 / 16;       // device units; smaller ones give their mean colour
 static constexpr double kFarTile = 4096;                // device units from the canvas's origin
-static constexpr double kThinnest = 1.0 / 256;           // device units; a step of the drawing library
+static constexpr double kThinnest = 1.0 / 256;          // device units; a step of the drawing library
 // Matrices whose numbers, or whose determinant against their squares, lie beyond are odd.
 static constexpr double kOddLarge = 1e5, kOddSmall = 1e-5, kOddFlat = 1e-6, kOddEnlarged = 1e4;
 
@@ -443,8 +443,8 @@ static cairo_surface_t* LastingImage(ZRGCanvas* canvas, const ZRGImage* image) {
 // The unit square under the matrix, as the canvas can draw it.
 static OwnPath UnitSquare(const ZRGCanvas* canvas, const ZRGMatrix& m, double reach) {
     static constexpr uint8_t kVerbs[] = {kZRGMove, kZRGLine, kZRGLine, kZRGLine, kZRGClose};
-    const double corners[] = {m.tx, m.ty, m.a + m.tx, m.b + m.ty, m.a + m.c + m.tx, m.b + m.d + m.ty, m.c + m.tx,
-                              m.d + m.ty};
+    const double corners[] = {m.tx,       m.ty,      m.a + m.tx, m.b + m.ty, m.a + m.c + m.tx, m.b + m.d + m.ty,
+                              m.c + m.tx, m.d + m.ty};
     ZRGPath square = {kVerbs, corners, 5, false};
     OwnPath own;
     ZRGPath fitted = FitPath(canvas, &square, reach, /*dashed*/ false, &own);
@@ -497,8 +497,7 @@ static void PaintImage(cairo_t* cr, const ImageSource& source, const ZRGMatrix& 
 
 // The image made smaller, each pixel the mean of those that it stands for; null = no memory.
 static Surface Shrunk(const ZRGImage* image, long width, long height) {
-    Surface small(
-        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(width), static_cast<int>(height)));
+    Surface small(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(width), static_cast<int>(height)));
     if (cairo_surface_status(small.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
     cairo_surface_flush(small.get());
     uint8_t* to = cairo_image_surface_get_data(small.get());
@@ -519,8 +518,8 @@ static Surface Shrunk(const ZRGImage* image, long width, long height) {
     return small;
 }
 
-// Repeating an image that is drawn smaller than it is takes very long: on pixels one tile is made at its size, and where
-// a tile is less than a pixel its mean colour stands for it.
+// Repeating an image that is drawn smaller than it is takes very long: on pixels one tile is made at its size, and
+// where a tile is less than a pixel its mean colour stands for it.
 static Surface SmallTile(const ZRGCanvas* canvas, const ZRGImage* image, const ZRGMatrix& m) {
     double w = std::hypot(m.a, m.b), h = std::hypot(m.c, m.d);
     bool dust = w < kSmallestTile || h < kSmallestTile;

@@ -54,7 +54,7 @@ struct ZRGCanvas {
     unsigned long weight = 0;                         // operations that a replay runs
     unsigned long ownWeight = 0;                      // of these, without those of layers
     LayerPicture picture;
-    bool odd = false;  // a layer that holds operations out of the ordinary; see Paint
+    bool odd = false;          // a layer that holds operations out of the ordinary; see Paint
     ZRGWrite write = nullptr;  // of a PDF
     void* writeInfo = nullptr;
 };

@@ -1,7 +1,8 @@
 // The seam between the stand-ins in libzr and libzr-graphics.so: plain records, opaque pointers and C functions.
 // Coordinates are device coordinates (pixels of a bitmap, points of a layer or PDF page), y down, finite, those of
 // paths within +-kZRGMaximumPoint, others within +-kZRGMaximumCoordinate; the library sees to that, and to matrices
-// that have an inverse. Matrices are row-vector ones. No exception leaves a function. A canvas belongs to one thread at a time.
+// that have an inverse. Matrices are row-vector ones. No exception leaves a function. A canvas belongs to one thread at
+// a time.
 #ifndef ZR_PLATFORM_GRAPHICSTABLE_H
 #define ZR_PLATFORM_GRAPHICSTABLE_H
 

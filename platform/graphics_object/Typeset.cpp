@@ -13,7 +13,7 @@ static constexpr double kMostReach = 8e5;  // points of a line, if all its glyph
 static constexpr double kMostPangoPoints = 1e6;    // a width in them
 static constexpr double kTabStop = 28;             // points
 static constexpr double kLargestImageGlyph = 200;  // device units; larger glyphs are painted as outlines
-static constexpr double kOddGlyph = 1e4;  // device units
+static constexpr double kOddGlyph = 1e4;           // device units
 static constexpr double kSmallestGlyph = 1e-2;     // device units; smaller ones are not painted
 static constexpr long kManyGlyphs = 512;           // from here on those outside of the clip are left out
 

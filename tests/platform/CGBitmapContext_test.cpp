@@ -326,3 +326,16 @@ TEST(CGLayer, Context_CanOutliveTheLayer) {
     CGContextFillRect(context, CGRectMake(0, 0, 5, 5));
     EXPECT_EQ(CFGetRetainCount(context), 1);
 }
+
+TEST(CGDataProvider, CreateWithData_TheCopyFails_TheDataAreReleasedAllTheSame) {
+    static int sReleases;
+    sReleases = 0;
+    auto release = [](void*, const void*, size_t) { ++sReleases; };
+    const char bytes[] = "abc";
+    EXPECT_EQ(CGDataProviderCreateWithData(nullptr, bytes, ~size_t{0}, release), nullptr);
+    EXPECT_EQ(sReleases, 1);
+    Owned<CGDataProviderRef> provider = CGDataProviderCreateWithData(nullptr, bytes, 3, release);
+    EXPECT_EQ(sReleases, 2);
+    Owned<CFDataRef> copy = CGDataProviderCopyData(provider);
+    EXPECT_EQ(BytesOf(copy), "abc");
+}

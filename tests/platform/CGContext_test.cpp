@@ -554,7 +554,10 @@ TEST(CGContext, EndlessDash_IsDrawnSolid) {
 
 TEST(CGContext, FarGeometry_KeepsItsDirection) {
     // A line, a triangle and an ellipse that run far out of the bitmap: as the part of them that is near.
-    struct { const char* name; double far; } rows[] = {{"1e5", 1e5}, {"1e6", 1e6}, {"1e7", 1e7}, {"1e12", 1e12}};
+    struct {
+        const char* name;
+        double far;
+    } rows[] = {{"1e5", 1e5}, {"1e6", 1e6}, {"1e7", 1e7}, {"1e12", 1e12}};
     auto line = [](double far) {
         Bitmap bitmap(100, 100);
         CGContextSetLineWidth(bitmap, 4);

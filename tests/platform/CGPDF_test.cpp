@@ -224,7 +224,10 @@ TEST(CGPDFContext, JPEG_StaysAsItIs) {
 
 TEST(CGPDFContext, OddOperation_LosesNoOtherPage) {
     auto picture = Picture(9, 7, [](CGContextRef c) { CGContextFillRect(c, CGRectMake(1, 1, 4, 4)); });
-    struct { const char* name; Draw draw; } rows[] = {
+    struct {
+        const char* name;
+        Draw draw;
+    } rows[] = {
         {"flat image in a layer",
          [&](CGContextRef c) {
              Owned<CGLayerRef> layer = CGLayerCreateWithContext(c, {200, 100}, nullptr);
@@ -531,9 +534,9 @@ TEST(CGContextDrawPDFPage, PDF_ContentBeyondMeasure_IsLeftOut) {
     auto document = [](size_t length) {
         std::string page = HandMade(""), packed = PackedSpaces(length);
         size_t from = page.find("<< /Length "), to = page.find("endstream");
-        return page.replace(from, to - from,
-                            "<< /Filter /FlateDecode /Length " + std::to_string(packed.size()) + " >>\nstream\n" +
-                                packed + "\n");
+        return page.replace(
+            from, to - from,
+            "<< /Filter /FlateDecode /Length " + std::to_string(packed.size()) + " >>\nstream\n" + packed + "\n");
     };
     auto combined = [&](size_t length) {
         auto bomb = Open(document(length));

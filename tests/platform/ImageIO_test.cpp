@@ -216,6 +216,63 @@ TEST(ImageIO, TIFF_PageOfATIFF_IsCopiedAsItIs) {
     EXPECT_EQ(Drawn(image)[4 * 4], 255);
 }
 
+// A chain of pages of 1 bit a pixel, each of side x side pixels of the same bytes
+static std::string BitPages(int side, const std::string& pixels, int count, bool bigEndian) {
+    std::string out;
+    auto put = [&](size_t v, int n) {
+        for (int i = 0; i < n; ++i) out += static_cast<char>(v >> (8 * (bigEndian ? n - 1 - i : i)));
+    };
+    out += bigEndian ? "MM" : "II";
+    put(42, 2), put(8 + pixels.size(), 4);
+    out += pixels;
+    auto row = [&](size_t tag, size_t type, size_t value) {
+        put(tag, 2), put(type, 2), put(1, 4);
+        if (type == 3) put(value, 2), put(0, 2);
+        else put(value, 4);
+    };
+    auto length = static_cast<size_t>(side);
+    for (int i = 0; i < count; ++i) {
+        put(10, 2);
+        row(256, 3, length), row(257, 3, length), row(258, 3, 1), row(259, 3, 1), row(262, 3, 0);
+        row(273, 4, 8), row(274, 3, 1), row(277, 3, 1), row(278, 3, length), row(279, 4, pixels.size());
+        put(i + 1 < count ? out.size() + 4 : 0, 4);
+    }
+    return out;
+}
+
+TEST(ImageIO, TIFF_ManyPages_AreReadInTime) {
+    std::string bytes = BitPages(8, "\xF0\x0F\xF0\x0F\xF0\x0F\xF0\x0F", 8000, /*big-endian*/ false);
+    Owned<CGImageSourceRef> source = CGImageSourceCreateWithData(Data(bytes), nullptr);
+    ASSERT_EQ(CGImageSourceGetCount(source), 8000U);
+    auto start = std::chrono::steady_clock::now();
+    for (size_t i = 0; i < 8000; ++i)
+        ASSERT_NE(Owned<CGImageRef>(CGImageSourceCreateImageAtIndex(source, i, nullptr)).get(), nullptr) << i;
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+    EXPECT_EQ(CGImageSourceCreateImageAtIndex(source, 8000, nullptr), nullptr);
+}
+
+TEST(ImageIO, TIFF_ChainThatComesBack_Ends) {
+    std::string bytes = BitPages(8, "\xF0\x0F\xF0\x0F\xF0\x0F\xF0\x0F", 2, /*big-endian*/ false);
+    bytes[bytes.size() - 4] = 16;  // the first directory again
+    EXPECT_NE(Decode(bytes, 1).get(), nullptr);
+    EXPECT_EQ(Decode(bytes, 2).get(), nullptr);
+    EXPECT_EQ(Decode(bytes, 1000000).get(), nullptr);
+}
+
+TEST(ImageIO, TIFF_OnePageThatCannotBeCopied_TheOthersStillAre) {
+    std::mt19937 random(3);
+    std::string noise(800 * 100, 0);
+    for (char& c : noise) c = static_cast<char>(random());
+    auto large = Decode(BitPages(800, noise, 1, /*big-endian*/ true)),
+         other = Decode(BitPages(8, "\xF0\x0F\xF0\x0F\xF0\x0F\xF0\x0F", 1, /*big-endian*/ false));
+    std::string made = Encode({large, other, Opaque()}, kUTTypeTIFF);
+    EXPECT_NE(made.find(noise), std::string::npos);
+    EXPECT_LT(made.size(), noise.size() + 4000);
+    EXPECT_EQ(Drawn(Decode(made, 0)), Drawn(large));
+    EXPECT_EQ(Drawn(Decode(made, 1)), Drawn(other));
+    EXPECT_EQ(Drawn(Decode(made, 2)), Drawn(Opaque()));
+}
+
 // A progressive grey JPEG of side x side pixels, all alike, whose first of several scans alone has data
 static std::string ManyScans(int side, int scans) {
     std::string out("\xFF\xD8\xFF\xDB\0\x43\0", 7);
@@ -239,8 +296,7 @@ TEST(ImageIO, JPEG_ScansOverAndOver_AreBounded) {
 }
 
 // A frame whose pixels each have their own code behind a clear code
-static std::string GIFFrame(int left, int top, int w, int h, int disposal,
-                        const std::vector<int>& pixels) {
+static std::string GIFFrame(int left, int top, int w, int h, int disposal, const std::vector<int>& pixels) {
     std::string out = "!\xF9\x04";
     out += std::string{static_cast<char>(disposal << 2), 0, 0, 0, 0};
     out += ",";
@@ -266,8 +322,8 @@ TEST(ImageIO, GIF_Frames_AreComposed) {
     // frame 3 puts colour 1 at (2, 2).
     std::string bytes("GIF89a\4\0\4\0\x80\0\0", 13);
     bytes += std::string("\xFF\0\0\0\0\xFF", 6);
-    bytes +=
-        GIFFrame(0, 0, 4, 4, 1, std::vector<int>(16, 0)) + GIFFrame(1, 1, 1, 1, 3, {1}) + GIFFrame(2, 2, 1, 1, 1, {1}) + ";";
+    bytes += GIFFrame(0, 0, 4, 4, 1, std::vector<int>(16, 0)) + GIFFrame(1, 1, 1, 1, 3, {1}) +
+             GIFFrame(2, 2, 1, 1, 1, {1}) + ";";
     Owned<CGImageSourceRef> source = CGImageSourceCreateWithData(Data(bytes), nullptr);
     ASSERT_EQ(CGImageSourceGetCount(source), 3U);
     auto at = [&](size_t index, int x, int y) {
@@ -387,8 +443,7 @@ TEST(ImageIO, Destination_FileStaysUntilTheNewOneIsWhole) {
         return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
     };
     {
-        Owned<CGImageDestinationRef> dropped =
-            CGImageDestinationCreateWithURL(FileURL(file), kUTTypePNG, 1, nullptr);
+        Owned<CGImageDestinationRef> dropped = CGImageDestinationCreateWithURL(FileURL(file), kUTTypePNG, 1, nullptr);
         ASSERT_NE(dropped.get(), nullptr);
         EXPECT_EQ(std::filesystem::file_size(file), 4U);
         EXPECT_FALSE(CGImageDestinationFinalize(dropped));  // without a picture
@@ -396,8 +451,7 @@ TEST(ImageIO, Destination_FileStaysUntilTheNewOneIsWhole) {
     EXPECT_EQ(std::filesystem::file_size(file), 4U);
     EXPECT_EQ(files(), 2);  // nothing is left behind
     {
-        Owned<CGImageDestinationRef> written =
-            CGImageDestinationCreateWithURL(FileURL(link), kUTTypePNG, 1, nullptr);
+        Owned<CGImageDestinationRef> written = CGImageDestinationCreateWithURL(FileURL(link), kUTTypePNG, 1, nullptr);
         CGImageDestinationAddImage(written, Opaque(), nullptr);
         EXPECT_TRUE(CGImageDestinationFinalize(written));
     }
