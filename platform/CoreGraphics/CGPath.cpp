@@ -7,7 +7,7 @@
 static constexpr double kCircle = 0.5522847498307936;  // 4/3 (sqrt 2 - 1): control points of a quarter circle
 static constexpr double kFlatness = 0.01;              // of a curve taken as lines by CGPathContainsPoint
 static constexpr double kUsableLeast = 1e-30, kUsableMost = 1e15;
-static constexpr double kUsableFlat = 1e-12;  // of a determinant against the squares of the matrix
+static constexpr double kUsableFlat = 1e-9;  // of a determinant against the squares of the matrix
 
 bool IsFinite(CGPoint p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 

@@ -93,7 +93,6 @@ struct CGContext : CFObject {
     CGContext(const ZRGTable* functions, ZRGCanvas* canvas);
     ~CGContext() override;
     CFTypeID typeID() const override { return kCGTypeContext; }
-    virtual bool IsPDF() const { return false; }
     virtual void Flush() {}
     virtual void BeginPage(const CGRect*, const CGRect*) {}  // media box and crop box, null = none
     virtual void EndPage() {}
