@@ -14,6 +14,7 @@ static constexpr unsigned long kHeaviestReplay = 1000000, kHeaviestNesting = 500
 static constexpr long kLargestLayerPicture = 1L << 24;  // pixels
 static constexpr double kPenSteps = 500;                // of a pen's width: how near its round parts come
 static constexpr double kSmallestTile = 1.0 / 16;       // device units; smaller ones give their mean colour
+static constexpr long kMosaic = 256;                    // pixels; smaller tiles are repeated in groups
 static constexpr double kFarTile = 4096;                // device units from the canvas's origin
 static constexpr double kThinnest = 1.0 / 256;          // device units; a step of the drawing library
 // Matrices whose numbers, or whose determinant against their squares, lie beyond are odd.
@@ -541,6 +542,29 @@ static ZRGMatrix NearTile(const ZRGMatrix& m) {
     return counted ? near : m;
 }
 
+// Many tiles as one: the drawing library finds its place in a repeated image by counting images. Sides grow by the
+// factors; null = as it is, or no memory.
+static Surface Mosaic(cairo_surface_t* tile, long* across, long* down) {
+    long w = cairo_image_surface_get_width(tile), h = cairo_image_surface_get_height(tile);
+    *across = w < kMosaic ? (kMosaic + w - 1) / w : 1;
+    *down = h < kMosaic ? (kMosaic + h - 1) / h : 1;
+    Surface all(cairo_image_surface_create(cairo_image_surface_get_format(tile), static_cast<int>(w * *across),
+                                           static_cast<int>(h * *down)));
+    if (*across * *down == 1 || cairo_surface_status(all.get()) != CAIRO_STATUS_SUCCESS) {
+        *across = *down = 1;
+        return nullptr;
+    }
+    cairo_surface_flush(all.get());
+    const uint8_t* from = cairo_image_surface_get_data(tile);
+    uint8_t* to = cairo_image_surface_get_data(all.get());
+    long fromStride = cairo_image_surface_get_stride(tile), toStride = cairo_image_surface_get_stride(all.get());
+    for (long y = 0; y < h * *down; ++y)
+        for (long i = 0; i < *across; ++i)
+            memcpy(to + y * toStride + i * w * 4, from + y % h * fromStride, static_cast<size_t>(w) * 4);
+    cairo_surface_mark_dirty(all.get());
+    return all;
+}
+
 static void PaintTiles(ZRGCanvas* canvas, const ZRGImage* image, const ZRGMatrix& m, const ZRGPaint* paint) {
     Surface own = SmallTile(canvas, image, m);
     auto width = static_cast<double>(image->width), height = static_cast<double>(image->height);
@@ -554,6 +578,13 @@ static void PaintTiles(ZRGCanvas* canvas, const ZRGImage* image, const ZRGMatrix
     ImageSource source = {surface, width, height, CAIRO_EXTEND_REPEAT, CAIRO_FILTER_BILINEAR};
     bool dot = width == 1 && height == 1;  // one colour: its place is of no matter
     ZRGMatrix place = dot ? ZRGMatrix{1, 0, 0, 1, 0, 0} : NearTile(m);
+    long across = 1, down = 1;
+    Surface mosaic = canvas->kind == CanvasKind::bitmap && !dot ? Mosaic(surface, &across, &down) : nullptr;
+    if (mosaic) {
+        auto x = static_cast<double>(across), y = static_cast<double>(down);
+        source = {mosaic.get(), width * x, height * y, CAIRO_EXTEND_REPEAT, CAIRO_FILTER_BILINEAR};
+        place = {place.a * x, place.b * x, place.c * y, place.d * y, place.tx, place.ty};
+    }
     Paint(canvas, IsOdd(place), [&](cairo_t* to) { PaintImage(to, source, place, nullptr, paint); });
 }
 

@@ -661,6 +661,16 @@ TEST(CGContext, SmallTiles_AreDrawnAtOnce_InTheirColour) {
     EXPECT_EQ(page.Count(), 1240 * 1754);
     EXPECT_NEAR_PIXEL(page.At(2, 4), kRed, 2);
     EXPECT_NEAR_PIXEL(page.At(1002, 1000), kBlue, 2);
+    CGContextSaveGState(page);
+    CGContextTranslateCTM(page, 1000, 1000);  // a quarter turn about (1000, 1000): x runs up
+    CGContextRotateCTM(page, M_PI / 2);
+    CGContextDrawTiledImage(page, CGRectMake(0, 0, 5, 5), picture);
+    EXPECT_NEAR_PIXEL(page.At(999, 502), kBlue, 2);
+    EXPECT_NEAR_PIXEL(page.At(996, 502), kRed, 2);
+    CGContextRotateCTM(page, 0.3);
+    CGContextDrawTiledImage(page, CGRectMake(0, 0, 5, 5), picture);
+    CGContextRestoreGState(page);
+    EXPECT_EQ(page.Count(), 1240 * 1754);
     for (double size : {0.9, 0.3, 0.01}) {  // less than a pixel: the mean
         CGContextDrawTiledImage(page, CGRectMake(0, 0, size, size), picture);
         EXPECT_NEAR_PIXEL(page.At(700, 700), (Pixel{128, 0, 128, 255}), 2) << size;
