@@ -146,16 +146,21 @@ static int ShowFacts(const Arguments& arguments) {
     for (const char* option : {"type", "quality", "dpi"})
         if (arguments.has(option)) throw Refusal{std::string("--") + option + " is of zr picture convert"};
     PictureHost host;
-    bool json = arguments.has("json"), all = true;
+    bool json = arguments.has("json"), all = true, readable = true;
     std::string out = json ? "[" : "";
     for (size_t i = 1; i < arguments.plain().size(); ++i) {
         const std::string& path = arguments.plain()[i];
-        LoadedPicture picture(path);
-        (json ? AppendObject : AppendFacts)(out, path, picture);
-        if (!picture.known() || (!picture.decoded() && picture->format <= ZR_PICT_SVG)) all = false;
+        try {
+            LoadedPicture picture(path);
+            (json ? AppendObject : AppendFacts)(out, path, picture);
+            if (!picture.known() || (!picture.decoded() && picture->format <= ZR_PICT_SVG)) all = false;
+        } catch (const Refusal& refusal) {  // the others are told all the same
+            Say(refusal.sentence);
+            readable = false;
+        }
     }
     StandardOutput::Write(out + (json ? "]\n" : ""));
-    return all ? kSuccess : kCodeFailed;
+    return !readable ? kWrongUsage : all ? kSuccess : kCodeFailed;
 }
 
 // Conversion -------------------------------------------------------------------------------------------------------

@@ -1,7 +1,9 @@
 #include "platform/SharedObject.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
+#include <climits>
 #include <mutex>
 #include <string>
 
@@ -30,6 +32,7 @@ struct OpenObject {
     std::string problem;
     ZRSharedObjectState state = {};
 };
+static constexpr size_t kLongestOrigin = 16 * PATH_MAX;  // more than the loader can have opened
 static OpenObject sObjects[kZRObjectCount];
 static std::mutex sFolderLock;
 static std::string* sFolder = nullptr;  // null = beside this library
@@ -38,8 +41,13 @@ static std::string FolderOfObjects() {
     std::lock_guard lock(sFolderLock);
     if (sFolder) return *sFolder + "/";
     Dl_info self = {};
-    if (!dladdr(reinterpret_cast<void*>(&ZRSharedObjectGetTable), &self) || !self.dli_fname) return "";
-    std::string path = self.dli_fname;
+    void* map = nullptr;
+    if (!dladdr1(reinterpret_cast<void*>(&ZRSharedObjectGetTable), &self, &map, RTLD_DL_LINKMAP)) return "";
+    // Where the loader found it: the name alone may be relative to a folder that is no longer the current one.
+    std::string folder(kLongestOrigin, 0);
+    if (map && dlinfo(map, RTLD_DI_ORIGIN, folder.data()) == 0 && folder[0] == '/')
+        return folder.c_str() + std::string("/");
+    std::string path = self.dli_fname ? self.dli_fname : "";
     return path.substr(0, path.rfind('/') + 1);
 }
 

@@ -6,6 +6,7 @@
 #include "platform/CoreGraphics/CoreGraphics_Private.h"
 
 static constexpr size_t kMostSaves = 65536;
+static constexpr size_t kMostDashLengths = 65536;  // longer dashes are cut
 static constexpr double kMostDashPieces = 1e6;
 static constexpr double kWidestPen = 1e6;  // device units
 static constexpr double kShadowAlpha = 1.0 / 3;
@@ -13,7 +14,7 @@ static constexpr double kShadowAlpha = 1.0 / 3;
 // Life and matrix --------------------------------------------------------------------------------------------------
 
 CGContext::CGContext(const ZRGTable* functions, ZRGCanvas* c) : table(functions), canvas(c) {
-    path.limit = kZRGMaximumCoordinate;
+    path.limit = kZRGMaximumPoint;
 }
 
 CGContext::~CGContext() { table->release(canvas); }
@@ -35,7 +36,7 @@ void CGContext::SetBase(const CGAffineTransform& m) {
 
 PathRecords CGContext::NewPath() const {
     PathRecords records;
-    records.limit = kZRGMaximumCoordinate;
+    records.limit = kZRGMaximumPoint;
     return records;
 }
 
@@ -119,13 +120,14 @@ void CGContextSetLineDash(CGContextRef context, CGFloat phase, const CGFloat* le
     On(context, [&](CGContext& c) {
         c.state.dash.clear();
         double sum = 0;
+        count = std::min(count, kMostDashLengths);
         for (size_t i = 0; lengths && i < count; ++i) {
             if (!(lengths[i] >= 0)) return;
             sum += lengths[i];
         }
         if (!(sum > 0) || !std::isfinite(sum)) return;
         c.state.dashPhase = std::isfinite(phase) ? std::fmod(phase, 2 * sum) : 0;
-        c.state.dash.assign(lengths, lengths + std::min<size_t>(count, kMostSaves));
+        c.state.dash.assign(lengths, lengths + count);
     });
 }
 
@@ -269,7 +271,11 @@ void CGContext::Fill(const PathRecords& records, bool evenOdd) {
 static double Length(const PathRecords& records) {
     double length = 0;
     auto& p = records.points;
-    for (size_t i = 2; i + 1 < p.size(); i += 2) length += std::hypot(p[i] - p[i - 2], p[i + 1] - p[i - 1]);
+    auto apart = [](double from, double to) {  // as far as it is drawn
+        auto keep = [](double v) { return std::clamp(v, -kZRGMaximumCoordinate, kZRGMaximumCoordinate); };
+        return keep(to) - keep(from);
+    };
+    for (size_t i = 2; i + 1 < p.size(); i += 2) length += std::hypot(apart(p[i - 2], p[i]), apart(p[i - 1], p[i + 1]));
     return length;
 }
 
@@ -291,7 +297,7 @@ void CGContext::Stroke(const PathRecords& records, double lineWidth) {
     stroke.miterLimit = std::clamp(state.miterLimit, 1.0, 1e4);
     stroke.cap = state.cap;
     stroke.join = state.join;
-    if (!state.dash.empty() && (IsPDF() || DashIsBounded(state, records))) {
+    if (!state.dash.empty() && DashIsBounded(state, records)) {
         stroke.dash = state.dash.data();
         stroke.dashCount = static_cast<long>(state.dash.size());
         stroke.dashPhase = state.dashPhase;

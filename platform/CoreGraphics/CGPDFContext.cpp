@@ -74,7 +74,6 @@ struct PDFContext : CGContext {
             for (auto& item : page.items) CGPDFPageRelease(item.page);
         CGDataConsumerRelease(consumer);
     }
-    bool IsPDF() const override { return true; }
     void BeginPage(const CGRect* mediaBox, const CGRect* cropBox) override;
     void EndPage() override;
     void ClosePDF() override;

@@ -7,6 +7,7 @@
 static constexpr double kCircle = 0.5522847498307936;  // 4/3 (sqrt 2 - 1): control points of a quarter circle
 static constexpr double kFlatness = 0.01;              // of a curve taken as lines by CGPathContainsPoint
 static constexpr double kUsableLeast = 1e-30, kUsableMost = 1e15;
+static constexpr double kUsableFlat = 1e-9;  // of a determinant against the squares of the matrix
 
 bool IsFinite(CGPoint p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
@@ -15,7 +16,8 @@ bool IsFinite(CGRect r) { return IsFinite(r.origin) && std::isfinite(r.size.widt
 bool IsUsable(const CGAffineTransform& m) {
     for (double value : {m.a, m.b, m.c, m.d, m.tx, m.ty})
         if (!(std::abs(value) < kUsableMost)) return false;
-    return std::abs(m.a * m.d - m.b * m.c) > kUsableLeast;
+    double squares = m.a * m.a + m.b * m.b + m.c * m.c + m.d * m.d;
+    return std::abs(m.a * m.d - m.b * m.c) > std::max(kUsableLeast, kUsableFlat * squares);
 }
 
 static CGPoint Mix(CGPoint p, CGPoint q, double t) { return {p.x + (q.x - p.x) * t, p.y + (q.y - p.y) * t}; }

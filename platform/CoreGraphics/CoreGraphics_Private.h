@@ -93,7 +93,6 @@ struct CGContext : CFObject {
     CGContext(const ZRGTable* functions, ZRGCanvas* canvas);
     ~CGContext() override;
     CFTypeID typeID() const override { return kCGTypeContext; }
-    virtual bool IsPDF() const { return false; }
     virtual void Flush() {}
     virtual void BeginPage(const CGRect*, const CGRect*) {}  // media box and crop box, null = none
     virtual void EndPage() {}
@@ -171,7 +170,11 @@ struct CGDataProvider : CFObject {
 struct CGDataConsumer : CFObject {
     CFTypeID typeID() const override { return kCGTypeDataConsumer; }
     virtual bool Write(const void* bytes, size_t n) = 0;  // false = cannot
+    virtual bool Commit() { return true; }                // all is written; false = it could not be kept
 };
+
+// A consumer for a file that keeps its old content until Commit; null = cannot be written
+CGDataConsumerRef CreateReplacingConsumer(CFURLRef url);
 
 // A whole regular file; null = cannot, or larger than 2^31 bytes
 CFDataRef CreateDataFromFile(CFURLRef url);

@@ -166,8 +166,8 @@ CGImageDestinationRef CGImageDestinationCreateWithData(CFMutableDataRef data, CF
 }
 
 CGImageDestinationRef CGImageDestinationCreateWithURL(CFURLRef url, CFStringRef type, size_t count, CFDictionaryRef) {
-    if (!Graphics() || FormatOf(type) == kZRGNoFormat) return nullptr;  // before the file is replaced
-    return CreateDestination(CGDataConsumerCreateWithURL(url), type, count);
+    if (!Graphics() || FormatOf(type) == kZRGNoFormat) return nullptr;
+    return CreateDestination(CreateReplacingConsumer(url), type, count);
 }
 
 // A number of the properties; none = absent or no number
@@ -255,7 +255,8 @@ bool CGImageDestinationFinalize(CGImageDestinationRef destination) {
         }
         written =
             destination->table->encodeImages(destination->format, records.data(), static_cast<long>(records.size()),
-                                             WriteToConsumer, destination->consumer);
+                                             WriteToConsumer, destination->consumer) &&
+            destination->consumer->Commit();
         return nullptr;
     });
     return written;

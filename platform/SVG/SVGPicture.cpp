@@ -31,11 +31,34 @@ static bool IsTooHeavy(std::string_view document) {
     return longest > kMostCopied / std::max<size_t>(elements, 1);
 }
 
+// Turbulence of very many octaves takes very long, and those beyond the first sixteen cannot be seen: larger numbers
+// become 16, in the room that they have.
+static void BoundOctaves(std::string* document) {
+    static constexpr std::string_view kName = "numOctaves", kSpaces = " \t\r\n", kDigits = "0123456789";
+    for (size_t at = 0; (at = document->find(kName, at)) != std::string::npos;) {
+        at = document->find_first_not_of(kSpaces, at + kName.size());
+        if (at == std::string::npos || (*document)[at] != '=') continue;
+        at = document->find_first_not_of(kSpaces, at + 1);
+        if (at == std::string::npos || ((*document)[at] != '"' && (*document)[at] != '\'')) continue;
+        at = document->find_first_not_of(" \t\r\n+0", at + 1);
+        if (at == std::string::npos) continue;
+        size_t end = std::min(document->find_first_not_of(kDigits, at), document->size());
+        bool large = end - at > 2 || (end - at == 2 && document->compare(at, 2, "16") > 0);
+        if (large) document->replace(at, end - at, "16" + std::string(end - at - 2, ' '));
+    }
+}
+
 // The picture as it is painted: with its text areas as lines. kept holds it if it had to be made.
 static std::string_view Painted(const char* bytes, long n, std::string* kept) {
     std::string_view document(bytes, static_cast<size_t>(n));
     try {
-        if (ZRSVGReplaceTextAreas(document, kept)) return *kept;
+        bool made = ZRSVGReplaceTextAreas(document, kept);
+        if (document.find("feTurbulence") != std::string_view::npos) {
+            if (!made) kept->assign(document);
+            BoundOctaves(kept);
+            made = true;
+        }
+        if (made) return *kept;
     } catch (const std::bad_alloc&) {}
     return document;
 }
@@ -60,8 +83,10 @@ CGImageRef ZRSVGCreateImage(const char* bytes, long n, double scale) {
 }
 
 static bool Append(void* data, const void* bytes, size_t n) {
-    CFDataAppendBytes(static_cast<CFMutableDataRef>(data), static_cast<const UInt8*>(bytes), static_cast<CFIndex>(n));
-    return true;
+    auto target = static_cast<CFMutableDataRef>(data);
+    CFIndex wanted = CFDataGetLength(target) + static_cast<CFIndex>(n);
+    CFDataAppendBytes(target, static_cast<const UInt8*>(bytes), static_cast<CFIndex>(n));
+    return CFDataGetLength(target) == wanted;
 }
 
 CGPDFDocumentRef ZRSVGCreateDocument(const char* bytes, long n) {

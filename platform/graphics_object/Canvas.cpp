@@ -12,7 +12,13 @@
 // it bring along multiply, its own do not.
 static constexpr unsigned long kHeaviestReplay = 1000000, kHeaviestNesting = 50000;
 static constexpr long kLargestLayerPicture = 1L << 24;  // pixels
-static constexpr double kSmallestTile = 1.0 / 16;       // device units; smaller ones are not repeated
+static constexpr double kPenSteps = 500;                // of a pen's width: how near its round parts come
+static constexpr double kSmallestTile = 1.0 / 16;       // device units; smaller ones give their mean colour
+static constexpr long kMosaic = 256;                    // pixels; smaller tiles are repeated in groups
+static constexpr double kFarTile = 4096;                // device units from the canvas's origin
+static constexpr double kThinnest = 1.0 / 256;          // device units; a step of the drawing library
+// Matrices whose numbers, or whose determinant against their squares, lie beyond are odd.
+static constexpr double kOddLarge = 1e5, kOddSmall = 1e-5, kOddFlat = 1e-6, kOddEnlarged = 1e4;
 
 // Life -------------------------------------------------------------------------------------------------------------
 
@@ -167,10 +173,6 @@ static void LayClip(cairo_t* cr, const ZRGPath* path, bool antialias) {
     cairo_clip(cr);
 }
 
-static ZRGPath ViewOf(const OwnPath& path) {
-    return {path.verbs.data(), path.points.data(), static_cast<long>(path.verbs.size()), path.evenOdd};
-}
-
 static void LayClipsAgain(ZRGCanvas* canvas) {
     for (size_t i = 0; i < canvas->levels.size(); ++i) {
         if (i > 0) cairo_save(canvas->cr.get());
@@ -216,11 +218,15 @@ static void Restore(ZRGCanvas* canvas) {
 }
 
 static void Clip(ZRGCanvas* canvas, const ZRGPath* path, bool antialias) {
+    ZRGPath fitted;
     try {
-        canvas->levels.back().push_back({CopyOf(path), antialias});
+        OwnPath own;
+        fitted = FitPath(canvas, path, 0, /*dashed*/ false, &own);
+        canvas->levels.back().push_back({CopyOf(&fitted), antialias});
+        fitted = ViewOf(canvas->levels.back().back().path);
     } catch (const std::bad_alloc&) { return; }
     if (!canvas->cr) return;
-    LayClip(canvas->cr.get(), path, antialias);
+    LayClip(canvas->cr.get(), &fitted, antialias);
     Finish(canvas, 0);
 }
 
@@ -245,10 +251,20 @@ static void PaintFill(cairo_t* cr, const ZRGPath* path, const ZRGPaint* paint) {
     cairo_fill(cr);
 }
 
+// How far a shadow falls, in device units.
+static double ShadowReach(const ZRGPaint* paint) {
+    const ZRGShadow* shadow = paint->shadow;
+    return shadow ? std::abs(shadow->dx) + std::abs(shadow->dy) + 2 * shadow->blur : 0;
+}
+
 static void Fill(ZRGCanvas* canvas, const ZRGPath* path, const ZRGPaint* paint) {
     if (!canvas->cr) return;
-    CastShadow(canvas, paint->shadow, BoundsOf(path), [&](cairo_t* mask) { PaintFill(mask, path, paint); });
-    PaintFill(canvas->cr.get(), path, paint);
+    try {
+        OwnPath own;
+        ZRGPath fitted = FitPath(canvas, path, ShadowReach(paint), /*dashed*/ false, &own);
+        CastShadow(canvas, paint->shadow, BoundsOf(&fitted), [&](cairo_t* mask) { PaintFill(mask, &fitted, paint); });
+        PaintFill(canvas->cr.get(), &fitted, paint);
+    } catch (const std::bad_alloc&) {}
     Finish(canvas, 1);
 }
 
@@ -268,6 +284,31 @@ static void FillRect(ZRGCanvas* canvas, const ZRGRect* rect, const ZRGPaint* pai
 
 cairo_matrix_t CairoMatrix(const ZRGMatrix& m) { return {m.a, m.b, m.c, m.d, m.tx, m.ty}; }
 
+static double SizeOf(const ZRGMatrix& m) { return std::hypot(std::hypot(m.a, m.b), std::hypot(m.c, m.d)); }
+
+bool IsOdd(const ZRGMatrix& m) {
+    double size = SizeOf(m), flat = std::abs(m.a * m.d - m.b * m.c) / size / size;
+    bool ordinary = size > kOddSmall && size < kOddLarge && flat > kOddFlat && std::abs(m.tx) < kOddLarge &&
+                    std::abs(m.ty) < kOddLarge;
+    return !ordinary;
+}
+
+bool Survives(ZRGCanvas* canvas, const std::function<void(cairo_t*)>& draw) {
+    Surface page(cairo_pdf_surface_create_for_stream(nullptr, nullptr, canvas->width, canvas->height));
+    Cairo cr(cairo_create(page.get()));
+    for (auto& level : canvas->levels)
+        for (auto& step : level) {
+            ZRGPath path = ViewOf(step.path);
+            LayClip(cr.get(), &path, step.antialias);
+        }
+    draw(cr.get());
+    cairo_show_page(cr.get());
+    bool ok = cairo_status(cr.get()) == CAIRO_STATUS_SUCCESS;
+    cr.reset();
+    cairo_surface_finish(page.get());
+    return ok && cairo_surface_status(page.get()) == CAIRO_STATUS_SUCCESS;
+}
+
 static void PaintStroke(cairo_t* cr, const ZRGPath* path, const ZRGStroke* stroke, const ZRGPaint* paint) {
     static constexpr cairo_line_cap_t kCaps[] = {CAIRO_LINE_CAP_BUTT, CAIRO_LINE_CAP_ROUND, CAIRO_LINE_CAP_SQUARE};
     static constexpr cairo_line_join_t kJoins[] = {CAIRO_LINE_JOIN_MITER, CAIRO_LINE_JOIN_ROUND, CAIRO_LINE_JOIN_BEVEL};
@@ -281,48 +322,58 @@ static void PaintStroke(cairo_t* cr, const ZRGPath* path, const ZRGStroke* strok
     if (stroke->dash) cairo_set_dash(cr, stroke->dash, static_cast<int>(stroke->dashCount), stroke->dashPhase);
     cairo_matrix_t pen = CairoMatrix(stroke->matrix);
     cairo_set_matrix(cr, &pen);
+    // Round joins and caps of a wide pen need no more corners than the eye can see.
+    double tolerance = cairo_get_tolerance(cr);
+    cairo_set_tolerance(cr, std::max(tolerance, stroke->width * SizeOf(stroke->matrix) / kPenSteps));
     cairo_stroke(cr);
+    cairo_set_tolerance(cr, tolerance);
     cairo_identity_matrix(cr);
     if (stroke->dash) cairo_set_dash(cr, nullptr, 0, 0);
 }
 
 // How far ink can stand out of the path, in device units.
 static double StrokeReach(const ZRGStroke* s) {
-    double scale = std::sqrt(s->matrix.a * s->matrix.a + s->matrix.b * s->matrix.b + s->matrix.c * s->matrix.c +
-                             s->matrix.d * s->matrix.d);
     double corner = s->join == 0 ? std::max(s->miterLimit, 1.5) : 1.5;
-    return std::min(s->width / 2 * corner * scale, 1e6) + 1;
+    return std::min(s->width / 2 * corner * SizeOf(s->matrix), 1e6) + 1;
 }
 
 static void Stroke(ZRGCanvas* canvas, const ZRGPath* path, const ZRGStroke* stroke, const ZRGPaint* paint) {
     if (!canvas->cr) return;
-    if (paint->shadow) {
-        ZRGRect bounds = BoundsOf(path);
+    try {
+        OwnPath own;
         double reach = StrokeReach(stroke);
-        bounds = {bounds.x - reach, bounds.y - reach, bounds.width + 2 * reach, bounds.height + 2 * reach};
-        CastShadow(canvas, paint->shadow, bounds, [&](cairo_t* mask) { PaintStroke(mask, path, stroke, paint); });
-    }
-    PaintStroke(canvas->cr.get(), path, stroke, paint);
+        ZRGPath fitted = FitPath(canvas, path, reach + ShadowReach(paint), stroke->dash != nullptr, &own);
+        auto draw = [&](cairo_t* to) { PaintStroke(to, &fitted, stroke, paint); };
+        if (paint->shadow) {
+            ZRGRect bounds = BoundsOf(&fitted);
+            bounds = {bounds.x - reach, bounds.y - reach, bounds.width + 2 * reach, bounds.height + 2 * reach};
+            CastShadow(canvas, paint->shadow, bounds, draw);
+        }
+        Paint(canvas, IsOdd(stroke->matrix) || reach > kOddLarge, draw);
+    } catch (const std::bad_alloc&) {}
     Finish(canvas, 1);
 }
 
 static void Clear(ZRGCanvas* canvas, const ZRGPath* path) {
     cairo_t* cr = canvas->cr.get();
     if (!cr || canvas->kind == CanvasKind::pdf) return;  // a page would get a patch of pixels
-    cairo_set_operator(cr, CAIRO_OPERATOR_CLEAR);
-    SetEdges(cr, true);
-    SetRule(cr, path->evenOdd);
-    AppendPath(cr, path);
-    cairo_fill(cr);
-    cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
+    try {
+        OwnPath own;
+        ZRGPath fitted = FitPath(canvas, path, 0, /*dashed*/ false, &own);
+        cairo_set_operator(cr, CAIRO_OPERATOR_CLEAR);
+        SetEdges(cr, true);
+        SetRule(cr, path->evenOdd);
+        AppendPath(cr, &fitted);
+        cairo_fill(cr);
+        cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
+    } catch (const std::bad_alloc&) {}
     Finish(canvas, 1);
 }
 
 // Gradients --------------------------------------------------------------------------------------------------------
 
 static void Gradient(ZRGCanvas* canvas, const ZRGGradient* g, double alpha) {
-    cairo_t* cr = canvas->cr.get();
-    if (!cr || g->count < 1) return;
+    if (!canvas->cr || g->count < 1) return;
     cairo_pattern_t* pattern = g->radial ? cairo_pattern_create_radial(g->x0, g->y0, g->r0, g->x1, g->y1, g->r1)
                                          : cairo_pattern_create_linear(g->x0, g->y0, g->x1, g->y1);
     // An end that is not extended beside one that is: a clear stop at that end. A point as first circle has nothing
@@ -331,21 +382,26 @@ static void Gradient(ZRGCanvas* canvas, const ZRGGradient* g, double alpha) {
     auto stop = [&](double offset, const ZRGColor& c, double opacity) {
         cairo_pattern_add_color_stop_rgba(pattern, offset, c.red, c.green, c.blue, c.alpha * opacity);
     };
-    if (!start && !none) stop(0, g->colors[0], 0);
+    if (!start) {
+        if (!none) stop(0, g->colors[0], 0);
+        stop(0, g->colors[0], 1);
+    }
     for (long i = 0; i < g->count; ++i) stop(g->offsets[i], g->colors[i], 1);
-    if (!g->extendEnd && !none) {
+    if (!g->extendEnd) {
         stop(1, g->colors[g->count - 1], 1);
-        stop(1, g->colors[g->count - 1], 0);
+        if (!none) stop(1, g->colors[g->count - 1], 0);
     }
     cairo_pattern_set_extend(pattern, none ? CAIRO_EXTEND_NONE : CAIRO_EXTEND_PAD);
     cairo_matrix_t matrix = CairoMatrix(g->matrix);
-    cairo_set_matrix(cr, &matrix);
-    cairo_set_source(cr, pattern);
-    cairo_identity_matrix(cr);
-    if (alpha < 1) cairo_paint_with_alpha(cr, alpha);
-    else cairo_paint(cr);
+    Paint(canvas, IsOdd(g->matrix), [&](cairo_t* to) {
+        cairo_set_matrix(to, &matrix);
+        cairo_set_source(to, pattern);
+        cairo_identity_matrix(to);
+        if (alpha < 1) cairo_paint_with_alpha(to, alpha);
+        else cairo_paint(to);
+        cairo_set_source_rgb(to, 0, 0, 0);
+    });
     cairo_pattern_destroy(pattern);
-    cairo_set_source_rgb(cr, 0, 0, 0);
     Finish(canvas, 1);
 }
 
@@ -379,21 +435,21 @@ static cairo_surface_t* LastingImage(ZRGCanvas* canvas, const ZRGImage* image) {
     if (found) return found.get();
     found = WrapImage(image);
     cairo_surface_set_user_data(found.get(), &kKeeperKey, Keep(image), LetGo);
-    if (image->jpeg && canvas->kind == CanvasKind::pdf)
+    if (image->jpeg)
         cairo_surface_set_mime_data(found.get(), CAIRO_MIME_TYPE_JPEG, image->jpeg,
                                     static_cast<unsigned long>(image->jpegLength), LetGo, Keep(image));
     return found.get();
 }
 
-// The corners of the unit square under the matrix, kept within what cairo can count.
-static void AppendUnitSquare(cairo_t* cr, const ZRGMatrix& m) {
-    static constexpr double kCorners[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-    for (auto& corner : kCorners) {
-        double x = m.a * corner[0] + m.c * corner[1] + m.tx, y = m.b * corner[0] + m.d * corner[1] + m.ty;
-        cairo_line_to(cr, std::clamp(x, -kZRGMaximumCoordinate, kZRGMaximumCoordinate),
-                      std::clamp(y, -kZRGMaximumCoordinate, kZRGMaximumCoordinate));
-    }
-    cairo_close_path(cr);
+// The unit square under the matrix, as the canvas can draw it.
+static OwnPath UnitSquare(const ZRGCanvas* canvas, const ZRGMatrix& m, double reach) {
+    static constexpr uint8_t kVerbs[] = {kZRGMove, kZRGLine, kZRGLine, kZRGLine, kZRGClose};
+    const double corners[] = {m.tx,       m.ty,      m.a + m.tx, m.b + m.ty, m.a + m.c + m.tx, m.b + m.d + m.ty,
+                              m.c + m.tx, m.d + m.ty};
+    ZRGPath square = {kVerbs, corners, 5, false};
+    OwnPath own;
+    ZRGPath fitted = FitPath(canvas, &square, reach, /*dashed*/ false, &own);
+    return CopyOf(&fitted);
 }
 
 static ZRGRect UnitSquareBounds(const ZRGMatrix& m) {
@@ -412,19 +468,27 @@ static cairo_matrix_t PictureMatrix(const ZRGMatrix& m, double width, double hei
     return matrix;
 }
 
-static void PaintImage(cairo_t* cr, cairo_surface_t* surface, const ZRGImage* image, const ZRGMatrix& m, bool tiled,
-                       bool pad, const ZRGPaint* paint) {
+// What is painted as an image: pixels and how to look at them.
+struct ImageSource {
+    cairo_surface_t* surface;
+    double width, height;  // pixels
+    cairo_extend_t extend;
+    cairo_filter_t filter;
+};
+
+static void PaintImage(cairo_t* cr, const ImageSource& source, const ZRGMatrix& m, const OwnPath* edge,
+                       const ZRGPaint* paint) {
     cairo_save(cr);
-    cairo_matrix_t matrix = PictureMatrix(m, static_cast<double>(image->width), static_cast<double>(image->height));
+    cairo_matrix_t matrix = PictureMatrix(m, source.width, source.height);
     cairo_set_matrix(cr, &matrix);
-    cairo_set_source_surface(cr, surface, 0, 0);
+    cairo_set_source_surface(cr, source.surface, 0, 0);
     cairo_identity_matrix(cr);
-    cairo_pattern_set_extend(cairo_get_source(cr), tiled ? CAIRO_EXTEND_REPEAT
-                                                   : pad ? CAIRO_EXTEND_PAD
-                                                         : CAIRO_EXTEND_NONE);
+    cairo_pattern_set_extend(cairo_get_source(cr), source.extend);
+    cairo_pattern_set_filter(cairo_get_source(cr), source.filter);
     SetEdges(cr, paint->antialias);
-    if (!tiled) {
-        AppendUnitSquare(cr, m);
+    if (edge) {
+        ZRGPath view = ViewOf(*edge);
+        AppendPath(cr, &view);
         cairo_clip(cr);
     }
     if (paint->color.alpha < 1) cairo_paint_with_alpha(cr, paint->color.alpha);
@@ -432,24 +496,125 @@ static void PaintImage(cairo_t* cr, cairo_surface_t* surface, const ZRGImage* im
     cairo_restore(cr);
 }
 
+// The image made smaller, each pixel the mean of those that it stands for; null = no memory.
+static Surface Shrunk(const ZRGImage* image, long width, long height) {
+    Surface small(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(width), static_cast<int>(height)));
+    if (cairo_surface_status(small.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
+    cairo_surface_flush(small.get());
+    uint8_t* to = cairo_image_surface_get_data(small.get());
+    long stride = cairo_image_surface_get_stride(small.get());
+    for (long y = 0; y < height; ++y)
+        for (long x = 0; x < width; ++x) {
+            long left = x * image->width / width, right = (x + 1) * image->width / width;
+            long top = y * image->height / height, bottom = (y + 1) * image->height / height;
+            unsigned long sums[4] = {}, n = static_cast<unsigned long>((right - left) * (bottom - top));
+            for (long v = top; v < bottom; ++v) {
+                const uint8_t* from = image->pixels + v * image->rowBytes + left * 4;
+                for (long u = left; u < right; ++u, from += 4)
+                    for (int c = 0; c < 4; ++c) sums[c] += from[c];
+            }
+            for (int c = 0; c < 4; ++c) to[y * stride + x * 4 + c] = static_cast<uint8_t>((sums[c] + n / 2) / n);
+        }
+    cairo_surface_mark_dirty(small.get());
+    return small;
+}
+
+// Repeating an image that is drawn smaller than it is takes very long: on pixels one tile is made at its size, and
+// where a tile is less than a pixel its mean colour stands for it.
+static Surface SmallTile(const ZRGCanvas* canvas, const ZRGImage* image, const ZRGMatrix& m) {
+    double w = std::hypot(m.a, m.b), h = std::hypot(m.c, m.d);
+    bool dust = w < kSmallestTile || h < kSmallestTile;
+    if (canvas->kind != CanvasKind::bitmap && !dust) return nullptr;
+    auto side = [&](double size, long pixels) {
+        return dust ? 1 : static_cast<long>(std::clamp(std::round(size), 1.0, static_cast<double>(pixels)));
+    };
+    long width = side(w, image->width), height = side(h, image->height);
+    return width < image->width || height < image->height ? Shrunk(image, width, height) : nullptr;
+}
+
+// Tiles repeat: the one that holds the canvas's origin stands for those that begin far out.
+static ZRGMatrix NearTile(const ZRGMatrix& m) {
+    if (std::abs(m.tx) < kFarTile && std::abs(m.ty) < kFarTile) return m;
+    double det = m.a * m.d - m.b * m.c;
+    double u = std::floor((m.c * m.ty - m.d * m.tx) / det), v = std::floor((m.b * m.tx - m.a * m.ty) / det);
+    ZRGMatrix near = {m.a, m.b, m.c, m.d, m.tx + u * m.a + v * m.c, m.ty + u * m.b + v * m.d};
+    bool counted = std::isfinite(near.tx) && std::isfinite(near.ty);
+    return counted ? near : m;
+}
+
+// Many tiles as one: the drawing library finds its place in a repeated image by counting images. Sides grow by the
+// factors; null = as it is, or no memory.
+static Surface Mosaic(cairo_surface_t* tile, long* across, long* down) {
+    long w = cairo_image_surface_get_width(tile), h = cairo_image_surface_get_height(tile);
+    *across = w < kMosaic ? (kMosaic + w - 1) / w : 1;
+    *down = h < kMosaic ? (kMosaic + h - 1) / h : 1;
+    Surface all(cairo_image_surface_create(cairo_image_surface_get_format(tile), static_cast<int>(w * *across),
+                                           static_cast<int>(h * *down)));
+    if (*across * *down == 1 || cairo_surface_status(all.get()) != CAIRO_STATUS_SUCCESS) {
+        *across = *down = 1;
+        return nullptr;
+    }
+    cairo_surface_flush(all.get());
+    const uint8_t* from = cairo_image_surface_get_data(tile);
+    uint8_t* to = cairo_image_surface_get_data(all.get());
+    long fromStride = cairo_image_surface_get_stride(tile), toStride = cairo_image_surface_get_stride(all.get());
+    for (long y = 0; y < h * *down; ++y)
+        for (long i = 0; i < *across; ++i)
+            memcpy(to + y * toStride + i * w * 4, from + y % h * fromStride, static_cast<size_t>(w) * 4);
+    cairo_surface_mark_dirty(all.get());
+    return all;
+}
+
+static void PaintTiles(ZRGCanvas* canvas, const ZRGImage* image, const ZRGMatrix& m, const ZRGPaint* paint) {
+    Surface own = SmallTile(canvas, image, m);
+    auto width = static_cast<double>(image->width), height = static_cast<double>(image->height);
+    if (own) {
+        width = cairo_image_surface_get_width(own.get());
+        height = cairo_image_surface_get_height(own.get());
+    } else if (canvas->kind == CanvasKind::bitmap) {
+        own = WrapImage(image);
+    }
+    cairo_surface_t* surface = own ? own.get() : LastingImage(canvas, image);
+    ImageSource source = {surface, width, height, CAIRO_EXTEND_REPEAT, CAIRO_FILTER_BILINEAR};
+    bool dot = width == 1 && height == 1;  // one colour: its place is of no matter
+    ZRGMatrix place = dot ? ZRGMatrix{1, 0, 0, 1, 0, 0} : NearTile(m);
+    long across = 1, down = 1;
+    Surface mosaic = canvas->kind == CanvasKind::bitmap && !dot ? Mosaic(surface, &across, &down) : nullptr;
+    if (mosaic) {
+        auto x = static_cast<double>(across), y = static_cast<double>(down);
+        source = {mosaic.get(), width * x, height * y, CAIRO_EXTEND_REPEAT, CAIRO_FILTER_BILINEAR};
+        place = {place.a * x, place.b * x, place.c * y, place.d * y, place.tx, place.ty};
+    }
+    Paint(canvas, IsOdd(place), [&](cairo_t* to) { PaintImage(to, source, place, nullptr, paint); });
+}
+
+// Thinner than the drawing library can count: no ink, and errors within.
+static bool IsThin(const ZRGMatrix& m) {
+    double longer = std::max(std::hypot(m.a, m.b), std::hypot(m.c, m.d));
+    return !(std::abs(m.a * m.d - m.b * m.c) >= longer * kThinnest);
+}
+
+static void PaintPicture(ZRGCanvas* canvas, const ZRGImage* image, const ZRGMatrix& m, const ZRGPaint* paint) {
+    if (IsThin(m)) return;
+    Surface own = canvas->kind == CanvasKind::bitmap ? WrapImage(image) : nullptr;
+    cairo_surface_t* surface = own ? own.get() : LastingImage(canvas, image);
+    auto width = static_cast<double>(image->width), height = static_cast<double>(image->height);
+    // Beyond its edge an image goes on with its edge pixels, lest the edge fades when it is enlarged. A PDF does not
+    // fade it, and keeps a JPEG's bytes only without that; a layer may come to be drawn on one.
+    bool enlarged = std::hypot(m.a, m.b) > width || std::hypot(m.c, m.d) > height;
+    bool pad = canvas->kind == CanvasKind::bitmap || (canvas->kind == CanvasKind::layer && (enlarged || !image->jpeg));
+    ImageSource source = {surface, width, height, pad ? CAIRO_EXTEND_PAD : CAIRO_EXTEND_NONE, CAIRO_FILTER_GOOD};
+    OwnPath edge = UnitSquare(canvas, m, ShadowReach(paint));
+    auto draw = [&](cairo_t* to) { PaintImage(to, source, m, &edge, paint); };
+    CastShadow(canvas, paint->shadow, UnitSquareBounds(m), draw);
+    Paint(canvas, IsOdd(m) || SizeOf(m) > kOddEnlarged * std::min(width, height), draw);
+}
+
 static void Image(ZRGCanvas* canvas, const ZRGImage* image, const ZRGMatrix* m, bool tiled, const ZRGPaint* paint) {
     if (!canvas->cr) return;
-    if (tiled && std::hypot(m->a, m->b) * std::hypot(m->c, m->d) < kSmallestTile * kSmallestTile) return;
     try {
-        Surface own;
-        cairo_surface_t* surface;
-        if (canvas->kind == CanvasKind::bitmap) {
-            own = WrapImage(image);
-            surface = own.get();
-        } else {
-            surface = LastingImage(canvas, image);
-        }
-        // Beyond its edge an image goes on with its edge pixels, lest the edge fades when it is enlarged. A PDF does
-        // not fade it, and keeps a JPEG's bytes only without that.
-        bool pad = canvas->kind != CanvasKind::pdf;
-        auto draw = [&](cairo_t* to) { PaintImage(to, surface, image, *m, tiled, pad, paint); };
-        if (!tiled) CastShadow(canvas, paint->shadow, UnitSquareBounds(*m), draw);
-        draw(canvas->cr.get());
+        if (tiled) PaintTiles(canvas, image, *m, paint);
+        else PaintPicture(canvas, image, *m, paint);
     } catch (const std::bad_alloc&) {}
     Finish(canvas, 1);
 }
@@ -511,6 +676,7 @@ static bool IsHeavy(const ZRGCanvas* layer) {
 
 static void Layer(ZRGCanvas* canvas, ZRGCanvas* layer, const ZRGMatrix* m, const ZRGPaint* paint) {
     if (!canvas->cr || !layer->cr || canvas == layer || layer->kind != CanvasKind::layer) return;
+    if (IsThin(*m)) return;
     cairo_matrix_t matrix = PictureMatrix(*m, layer->width, layer->height);
     double alpha = paint->color.alpha;
     unsigned long weight = layer->weight + 1;
@@ -520,11 +686,12 @@ static void Layer(ZRGCanvas* canvas, ZRGCanvas* layer, const ZRGMatrix* m, const
         else PaintSurface(to, layer->surface.get(), matrix, alpha);
     };
     CastShadow(canvas, paint->shadow, UnitSquareBounds(*m), draw);
+    bool odd = layer->odd || IsOdd(*m) || IsOdd({matrix.xx, matrix.yx, matrix.xy, matrix.yy, matrix.x0, matrix.y0});
     if (cairo_surface_t* kept = canvas->kind == CanvasKind::bitmap ? KeptPixels(layer, matrix) : nullptr) {
         cairo_matrix_t whole = {1, 0, 0, 1, std::floor(matrix.x0), std::floor(matrix.y0)};
         PaintSurface(canvas->cr.get(), kept, whole, alpha);
     } else {
-        draw(canvas->cr.get());
+        Paint(canvas, odd, draw);
     }
     Finish(canvas, heavy ? 1 : weight);
 }
@@ -533,6 +700,7 @@ static unsigned long Weight(ZRGCanvas* canvas) { return canvas->weight; }
 
 static void* BorrowCairo(ZRGCanvas* canvas) {
     if (canvas->cr) cairo_save(canvas->cr.get());
+    canvas->odd = true;  // who knows what it draws
     return canvas->cr.get();
 }
 

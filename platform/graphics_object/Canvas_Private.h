@@ -5,6 +5,7 @@
 
 #include <cairo.h>
 
+#include <functional>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -53,13 +54,31 @@ struct ZRGCanvas {
     unsigned long weight = 0;                         // operations that a replay runs
     unsigned long ownWeight = 0;                      // of these, without those of layers
     LayerPicture picture;
+    bool odd = false;          // a layer that holds operations out of the ordinary; see Paint
     ZRGWrite write = nullptr;  // of a PDF
     void* writeInfo = nullptr;
 };
 
 void AppendPath(cairo_t* cr, const ZRGPath* path);
+ZRGPath ViewOf(const OwnPath& path);
+// The path as the canvas can draw it when its ink or shadow stands out by reach; own holds it if it had to be made.
+ZRGPath FitPath(const ZRGCanvas* canvas, const ZRGPath* path, double reach, bool dashed, OwnPath* own);
 cairo_matrix_t CairoMatrix(const ZRGMatrix& m);
 void Finish(ZRGCanvas* canvas, unsigned long weight);
+
+// Whether a matrix comes near to what the drawing library cannot count with: large, small or flat.
+bool IsOdd(const ZRGMatrix& m);
+// Whether draw leaves a page of the canvas's size and clip without an error.
+bool Survives(ZRGCanvas* canvas, const std::function<void(cairo_t*)>& draw);
+
+// Paints what may be odd. An error would end a PDF and lose all of its pages: what is out of the ordinary is tried on a
+// page of its own first, and left out if it fails. A layer keeps the oddity in mind until it is drawn on a page.
+template <class Draw>
+void Paint(ZRGCanvas* canvas, bool odd, Draw draw) {
+    if (odd && canvas->kind == CanvasKind::pdf && !Survives(canvas, draw)) return;
+    if (odd) canvas->odd = true;
+    draw(canvas->cr.get());
+}
 
 // Casts the shadow of what draw paints within bounds: draw(cairo_t*) in opaque black times the alpha it has.
 template <class Draw>

@@ -109,29 +109,48 @@ static bool DrawFrame(GifFileType* gif, int clear, ZRGDecoded* out) {
     return true;
 }
 
-static void ClearFrame(const GifImageDesc& frame, ZRGDecoded* out) {
-    long left = std::clamp<long>(frame.Left, 0, out->width), top = std::clamp<long>(frame.Top, 0, out->height);
-    long right = std::clamp<long>(static_cast<long>(frame.Left) + frame.Width, left, out->width);
-    long bottom = std::clamp<long>(static_cast<long>(frame.Top) + frame.Height, top, out->height);
-    for (long y = top; y < bottom; ++y)
-        memset(out->pixels + (y * out->width + left) * 4, 0, static_cast<size_t>(right - left) * 4);
+// The part of a frame that lies on the screen
+struct Patch {
+    long left, top, right, bottom;
+    long width() const { return right - left; }
+    size_t bytes() const { return static_cast<size_t>(width() * (bottom - top)) * 4; }
+};
+
+static Patch PatchOf(const GifImageDesc& frame, const ZRGDecoded& screen) {
+    long left = std::clamp<long>(frame.Left, 0, screen.width), top = std::clamp<long>(frame.Top, 0, screen.height);
+    long right = std::clamp<long>(static_cast<long>(frame.Left) + frame.Width, left, screen.width);
+    long bottom = std::clamp<long>(static_cast<long>(frame.Top) + frame.Height, top, screen.height);
+    return {left, top, right, bottom};
+}
+
+// Calls row(pixels of the screen, offset into the patch, bytes) for each row.
+template <class Row>
+static void EachRow(const Patch& patch, ZRGDecoded* screen, Row row) {
+    auto n = static_cast<size_t>(patch.width()) * 4;
+    for (long y = patch.top; y < patch.bottom; ++y)
+        row(screen->pixels + (y * screen->width + patch.left) * 4, static_cast<size_t>(y - patch.top) * n, n);
 }
 
 static bool DecodeFrames(GifFileType* gif, long index, ZRGDecoded* out) {
     std::vector<uint8_t> before;
-    size_t size = static_cast<size_t>(out->width * out->height) * 4;
     long work = 0;
     for (long i = 0; i <= index; ++i) {
         GraphicsControlBlock control = {DISPOSAL_UNSPECIFIED, false, 0, NO_TRANSPARENT_COLOR};
         if (!NextFrame(gif, &control)) return false;
-        GifImageDesc frame = gif->Image;
-        work += static_cast<long>(frame.Width) * frame.Height;
+        Patch patch = PatchOf(gif->Image, *out);
+        work += static_cast<long>(gif->Image.Width) * gif->Image.Height;
+        bool keeps = control.DisposalMode == DISPOSE_PREVIOUS && i < index;
+        if (keeps) work += 2 * static_cast<long>(patch.bytes() / 4);
         if (work > kMostWork) return false;
-        if (control.DisposalMode == DISPOSE_PREVIOUS && i < index) before.assign(out->pixels, out->pixels + size);
+        if (keeps) {
+            before.resize(patch.bytes());
+            EachRow(patch, out, [&](uint8_t* row, size_t at, size_t n) { memcpy(before.data() + at, row, n); });
+        }
         if (!DrawFrame(gif, control.TransparentColor, out)) return false;
         if (i == index) break;
-        if (control.DisposalMode == DISPOSE_BACKGROUND) ClearFrame(frame, out);
-        if (control.DisposalMode == DISPOSE_PREVIOUS) memcpy(out->pixels, before.data(), size);
+        if (control.DisposalMode == DISPOSE_BACKGROUND)
+            EachRow(patch, out, [](uint8_t* row, size_t, size_t n) { memset(row, 0, n); });
+        if (keeps) EachRow(patch, out, [&](uint8_t* row, size_t at, size_t n) { memcpy(row, before.data() + at, n); });
     }
     return true;
 }

@@ -13,12 +13,14 @@
 #include "platform/graphics_object/Codecs_Private.h"
 
 static constexpr double kInchPerCentimetre = 2.54;
-static constexpr int kMostScans = 500;         // more make a small file work for hours
-static constexpr long kMostMemory = 1L << 30;  // bytes that the library takes by itself
-// Pixels that a byte can stand for at most: with Huffman codes a block needs a bit in some scan, and chroma planes are
-// a quarter; arithmetic codes have no such bound, and get a wide one. A picture that was cut off may have lost three
-// quarters of its bytes and is still read as far as it goes.
-static constexpr long kMostPixelsAByte = 4 * 64 * 8 * 4, kMostPixelsAByteArithmetic = 1L << 18;
+static constexpr int kMostScans = 500;          // more make a small file work for hours
+static constexpr long kMostScanned = 1L << 31;  // pixels of all scans
+static constexpr long kFewScans = 16;           // as pictures of any size have them
+static constexpr long kMostMemory = 1L << 30;   // bytes that the library takes by itself
+// Pixels that a byte can stand for at most: with Huffman codes a block of 64 needs a bit in some scan, which makes 512;
+// a picture that was cut off may have lost three quarters of its bytes and is still read as far as it goes. Arithmetic
+// codes have no such bound, and get a wide one.
+static constexpr long kMostPixelsAByte = 2000, kMostPixelsAByteArithmetic = 1L << 18;
 static constexpr long kSmallPicture = 1L << 22;  // pixels; below, any number of bytes will do
 static constexpr int kFineQuality = 90;          // from here on colour is kept for every pixel
 
@@ -44,7 +46,10 @@ static bool Knows(const uint8_t* bytes, long n) {
 // Reading ----------------------------------------------------------------------------------------------------------
 
 static void OnProgress(j_common_ptr cinfo) {
-    if (reinterpret_cast<j_decompress_ptr>(cinfo)->input_scan_number > kMostScans) OnError(cinfo);
+    auto reader = reinterpret_cast<j_decompress_ptr>(cinfo);
+    long pixels = static_cast<long>(reader->image_width) * static_cast<long>(reader->image_height);
+    long scans = reader->input_scan_number;
+    if (scans > kMostScans || (scans > kFewScans && scans * pixels > kMostScanned)) OnError(cinfo);
 }
 
 static void ReadResolution(const jpeg_decompress_struct& cinfo, ZRGDecoded* out) {

@@ -2,6 +2,7 @@
 #include <tiffio.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -17,6 +18,7 @@ struct Memory {
     const uint8_t* read = nullptr;  // the bytes of a file that is read
     uint64_t size = 0, at = 0;
     std::vector<uint8_t> written;
+    std::vector<uint8_t> head;  // stands for as many bytes at the begin of read
 };
 
 static tmsize_t ReadBytes(thandle_t handle, void* out, tmsize_t n) {
@@ -24,6 +26,7 @@ static tmsize_t ReadBytes(thandle_t handle, void* out, tmsize_t n) {
     if (n <= 0 || m->at >= m->size) return 0;
     auto take = std::min(static_cast<uint64_t>(n), m->size - m->at);
     memcpy(out, (m->read ? m->read : m->written.data()) + m->at, take);
+    if (m->at < m->head.size()) memcpy(out, m->head.data() + m->at, std::min<uint64_t>(take, m->head.size() - m->at));
     m->at += take;
     return static_cast<tmsize_t>(take);
 }
@@ -87,6 +90,70 @@ static long Count(const uint8_t* bytes, long n) {
     return tiff ? static_cast<long>(TIFFNumberOfDirectories(tiff.get())) : 0;
 }
 
+// The chain of directories: each ends with the place of the next. Numbers stand in the file's byte order.
+template <bool kSwapped>
+struct Chain {
+    const uint8_t* bytes;
+    uint64_t size;
+
+    template <class Number>
+    uint64_t Read(uint64_t at) const {  // 0 beyond the end
+        Number value;
+        if (size < sizeof value || at > size - sizeof value) return 0;
+        memcpy(&value, bytes + at, sizeof value);
+        if constexpr (!kSwapped) return value;
+        else if constexpr (sizeof value == 2) return __builtin_bswap16(value);
+        else if constexpr (sizeof value == 4) return __builtin_bswap32(value);
+        else return __builtin_bswap64(value);
+    }
+    uint64_t After(uint64_t directory) const { return Read<uint32_t>(directory + 2 + Read<uint16_t>(directory) * 12); }
+    uint64_t AfterBig(uint64_t directory) const {  // of a file with 64-bit places
+        uint64_t rows = Read<uint64_t>(directory);
+        return rows <= size / 20 ? Read<uint64_t>(directory + 8 + rows * 20) : 0;
+    }
+
+    // Where a directory begins; 0 = there is none: a chain that comes back ends where it does.
+    template <class Next>
+    uint64_t Place(long index, uint64_t first, Next next) const {
+        uint64_t place = first;
+        bool ascends = true;
+        for (long i = 0; i < index && place != 0; ++i) {
+            if (static_cast<uint64_t>(i) > size / 6) return 0;  // as many do not fit
+            uint64_t before = place;
+            place = next(place);
+            ascends = ascends && place > before;
+        }
+        uint64_t earlier = first;
+        for (long i = 0; i < index && place != 0 && !ascends; ++i, earlier = next(earlier))
+            if (earlier == place) return 0;
+        return place;
+    }
+    uint64_t Place(long index, bool big) const {
+        if (big) return Place(index, Read<uint64_t>(8), [this](uint64_t at) { return AfterBig(at); });
+        return Place(index, Read<uint32_t>(4), [this](uint64_t at) { return After(at); });
+    }
+};
+
+static uint64_t PlaceOfDirectory(const uint8_t* bytes, long n, long index) {
+    bool bigEndian = bytes[0] == 'M', big = bytes[bigEndian ? 3 : 2] == '+';
+    auto size = static_cast<uint64_t>(n);
+    bool swapped = bigEndian == (std::endian::native == std::endian::little);
+    return swapped ? Chain<true>{bytes, size}.Place(index, big) : Chain<false>{bytes, size}.Place(index, big);
+}
+
+// The file as if the page were its first: the library's own ways to a page run through all of them.
+static File OpenPage(Memory* memory, const uint8_t* bytes, long n, long index) {
+    if (index == 0) return OpenBytes(memory, bytes, n);
+    uint64_t place = n >= 16 ? PlaceOfDirectory(bytes, n, index) : 0;
+    if (place == 0) return nullptr;
+    bool bigEndian = bytes[0] == 'M', big = bytes[bigEndian ? 3 : 2] == '+';
+    size_t at = big ? 8 : 4, width = at;
+    memory->head.assign(bytes, bytes + at + width);
+    for (size_t i = 0; i < width; ++i)
+        memory->head[at + (bigEndian ? width - 1 - i : i)] = static_cast<uint8_t>(place >> (8 * i));
+    return OpenBytes(memory, bytes, n);
+}
+
 static void ReadResolution(TIFF* tiff, ZRGDecoded* out) {
     float x = 0, y = 0;
     uint16_t unit = RESUNIT_INCH;
@@ -137,8 +204,8 @@ static bool ReadPixels(TIFF* tiff, ZRGDecoded* out) {
 
 static bool Decode(const uint8_t* bytes, long n, long index, bool pixels, ZRGDecoded* out) {
     Memory memory;
-    File tiff = OpenBytes(&memory, bytes, n);
-    if (!tiff || (index > 0 && !TIFFSetDirectory(tiff.get(), static_cast<tdir_t>(index)))) return false;
+    File tiff = OpenPage(&memory, bytes, n, index);
+    if (!tiff) return false;
     uint32_t width = 0, height = 0;
     TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width);
     TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height);
@@ -251,10 +318,8 @@ static bool WritePage(TIFF* tiff, const ZRGEncode* image) {
 
 static bool CopyPage(TIFF* to, const ZRGEncode* image) {
     Memory memory;
-    File from = OpenBytes(&memory, image->tiff, image->tiffLength);
+    File from = OpenPage(&memory, image->tiff, image->tiffLength, image->tiffPage);
     if (!from || !CanCopy(from.get(), to)) return false;
-    if (image->tiffPage > 0 && !TIFFSetDirectory(from.get(), static_cast<tdir_t>(image->tiffPage))) return false;
-    if (!CanCopy(from.get(), to)) return false;
     CopyTags(from.get(), to);
     if (image->dpiX > 0 && image->dpiY > 0) {
         TIFFSetField(to, TIFFTAG_XRESOLUTION, image->dpiX);
@@ -264,13 +329,21 @@ static bool CopyPage(TIFF* to, const ZRGEncode* image) {
     return CopyPieces(from.get(), to, memory.size) && TIFFWriteDirectory(to) != 0;
 }
 
-// The whole file; copies = pages of TIFFs go over as they are. false = try without.
+// Whether the page goes over whole into a file of this byte order: a page half copied could not be taken back.
+static bool CopiesWhole(const ZRGEncode* image, bool bigEndian) {
+    Memory memory;
+    File scratch = image->tiff ? Open(&memory, bigEndian ? "wb" : "wl") : nullptr;
+    return scratch && CopyPage(scratch.get(), image);
+}
+
+// The whole file; copies = pages of TIFFs go over as they are if they can. false = try without.
 static bool WriteFile(const ZRGEncode* images, long count, bool copies, Memory* memory) {
     bool bigEndian = copies && images[0].tiff && images[0].tiff[0] == 'M';
     File tiff = Open(memory, bigEndian ? "wb" : "wl");
     if (!tiff) return false;
     for (long i = 0; i < count; ++i) {
-        bool ok = copies && images[i].tiff ? CopyPage(tiff.get(), &images[i]) : WritePage(tiff.get(), &images[i]);
+        bool copy = copies && CopiesWhole(&images[i], bigEndian);
+        bool ok = copy ? CopyPage(tiff.get(), &images[i]) : WritePage(tiff.get(), &images[i]);
         if (!ok) return false;
     }
     return true;

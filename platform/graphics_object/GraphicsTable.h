@@ -1,7 +1,8 @@
 // The seam between the stand-ins in libzr and libzr-graphics.so: plain records, opaque pointers and C functions.
-// Coordinates are device coordinates (pixels of a bitmap, points of a layer or PDF page), y down, finite and within
-// +-kZRGMaximumCoordinate; the library sees to that, and to matrices that have an inverse. Matrices are row-vector
-// ones. No exception leaves a function. A canvas belongs to one thread at a time.
+// Coordinates are device coordinates (pixels of a bitmap, points of a layer or PDF page), y down, finite, those of
+// paths within +-kZRGMaximumPoint, others within +-kZRGMaximumCoordinate; the library sees to that, and to matrices
+// that have an inverse. Matrices are row-vector ones. No exception leaves a function. A canvas belongs to one thread at
+// a time.
 #ifndef ZR_PLATFORM_GRAPHICSTABLE_H
 #define ZR_PLATFORM_GRAPHICSTABLE_H
 
@@ -10,6 +11,7 @@
 
 inline constexpr int kZRGVersion = 2;
 inline constexpr double kZRGMaximumCoordinate = 4e6;  // device units; the drawing library's own numbers end at 8.3e6
+inline constexpr double kZRGMaximumPoint = 1e15;      // device units
 inline constexpr long kZRGMaximumSide = 32767;        // pixels of a bitmap
 inline constexpr long kZRGMaximumPixels = 1L << 28;   // of a bitmap
 inline constexpr long kZRGMaximumDecoded = 1L << 27;  // pixels of a decoded image

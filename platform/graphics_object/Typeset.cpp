@@ -13,6 +13,7 @@ static constexpr double kMostReach = 8e5;  // points of a line, if all its glyph
 static constexpr double kMostPangoPoints = 1e6;    // a width in them
 static constexpr double kTabStop = 28;             // points
 static constexpr double kLargestImageGlyph = 200;  // device units; larger glyphs are painted as outlines
+static constexpr double kOddGlyph = 1e4;           // device units
 static constexpr double kSmallestGlyph = 1e-2;     // device units; smaller ones are not painted
 static constexpr long kManyGlyphs = 512;           // from here on those outside of the clip are left out
 
@@ -605,7 +606,8 @@ static void DrawRun(ZRGCanvas* canvas, const ZRGTypeset* typeset, long index, co
         if (paint->shadow)
             CastShadow(canvas, paint->shadow, InkBounds(run, *m, size * s),
                        [&](cairo_t* to) { PaintGlyphs(to, glyphs, clusters, font, matrix, outlines, paint); });
-        PaintGlyphs(canvas->cr.get(), glyphs, clusters, font, matrix, outlines, paint);
+        Paint(canvas, IsOdd(*m) || larger > kOddGlyph,
+              [&](cairo_t* to) { PaintGlyphs(to, glyphs, clusters, font, matrix, outlines, paint); });
     } catch (const std::bad_alloc&) {}
     Finish(canvas, 1);
 }

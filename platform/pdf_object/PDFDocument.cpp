@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <qpdf/Pl_Buffer.hh>
@@ -9,6 +10,7 @@
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -16,6 +18,7 @@
 
 static constexpr double kLetterWidth = 612, kLetterHeight = 792;  // of a page without a box
 static constexpr double kLargestBox = 1e7;                        // points
+static constexpr size_t kLongestContent = 256UL << 20;            // bytes of a page, without filters
 
 struct ZRPDocument {
     std::mutex lock;  // qpdf resolves objects when they are asked for
@@ -134,11 +137,35 @@ static void Flatten(ZRPDocument& document) {
     });
 }
 
-// The page as a form of the new document, cut to its crop box in its own, unturned space.
+// Counts what comes out of a filter, and ends it when it is too much for memory.
+struct ContentCounter : Pipeline {
+    ContentCounter() : Pipeline("count", nullptr) {}
+    void write(const unsigned char*, size_t n) override {
+        total += n;
+        if (total > kLongestContent) throw std::runtime_error("content is too long");
+    }
+    void finish() override {}
+    size_t total = 0;
+};
+
+// Whether the content of all forms of a page can be looked through.
+static bool FormsAreBounded(QPDFPageObjectHelper& page) {
+    return Safely(false, [&] {
+        ContentCounter counter;
+        page.forEachFormXObject(/*recursive*/ true, [&](QPDFObjectHandle& form, QPDFObjectHandle&, std::string const&) {
+            form.pipeStreamData(&counter, 0, qpdf_dl_specialized, /*suppress_warnings*/ true);
+        });
+        return true;
+    });
+}
+
+// The page as a form of the new document, cut to its crop box in its own, unturned space. Throws if it cannot be.
 static QPDFObjectHandle FormOf(QPDF& to, QPDFPageObjectHelper& page) {
     double crop[4];
     CropBox(page, crop);
-    page.removeUnreferencedResources();
+    ContentCounter counter;
+    page.pipeContents(&counter);
+    if (FormsAreBounded(page)) page.removeUnreferencedResources();
     QPDFObjectHandle form = page.getFormXObjectForPage(/*handle transformations*/ false);
     form.getDict().replaceKey("/BBox", BoxArray(crop));
     if (!form.getDict().hasKey("/Group"))
@@ -146,16 +173,37 @@ static QPDFObjectHandle FormOf(QPDF& to, QPDFPageObjectHelper& page) {
     return to.copyForeignObject(form);
 }
 
-// Puts one item on the page under construction. An item that cannot be read is left out.
-static void AddItem(QPDF& to, const ZRPItem& item, QPDFPageObjectHelper& from, QPDFObjectHandle forms,
-                    QPDFObjectHandle states, std::string* content) {
-    std::string name = "/L" + std::to_string(forms.getKeys().size() + 1);
-    forms.replaceKey(name, FormOf(to, from));
+// The forms made so far: a page that is put in again stands in the file once. Null = it cannot be read.
+using KnownForms = std::map<std::pair<const ZRPDocument*, long>, QPDFObjectHandle>;
+
+static QPDFObjectHandle KnownForm(QPDF& to, ZRPDocument& source, long page, KnownForms* known) {
+    auto found = known->try_emplace({&source, page}, QPDFObjectHandle::newNull());
+    QPDFObjectHandle& form = found.first->second;
+    if (found.second)
+        Safely(false, [&] {
+            form = FormOf(to, source.pages.at(static_cast<size_t>(page)));
+            return true;
+        });
+    return form;
+}
+
+// A page under construction.
+struct MadePage {
+    QPDFObjectHandle forms = QPDFObjectHandle::newDictionary(), states = QPDFObjectHandle::newDictionary();
+    long formCount = 0, stateCount = 0;
+    std::string content;
+};
+
+// Puts one item on the page. An item that cannot be read is left out.
+static void AddItem(const ZRPItem& item, QPDFObjectHandle form, MadePage* page) {
+    if (form.isNull()) return;
+    std::string name = "/L" + std::to_string(++page->formCount), *content = &page->content;
+    page->forms.replaceKey(name, form);
     *content += "q\n";
     if (item.clip) *content += item.clip;
     if (item.alpha < 1) {
-        std::string state = "/G" + std::to_string(states.getKeys().size() + 1);
-        states.replaceKey(
+        std::string state = "/G" + std::to_string(++page->stateCount);
+        page->states.replaceKey(
             state, QPDFObjectHandle::parse("<< /ca " + Number(item.alpha) + " /CA " + Number(item.alpha) + " >>"));
         *content += state + " gs\n";
     }
@@ -163,25 +211,20 @@ static void AddItem(QPDF& to, const ZRPItem& item, QPDFPageObjectHelper& from, Q
     *content += "cm\n" + name + " Do\nQ\n";
 }
 
-static void AddPage(QPDF& to, const ZRPPage& page, ZRPDocument& drawn) {
-    auto forms = QPDFObjectHandle::newDictionary(), states = QPDFObjectHandle::newDictionary();
-    std::string content;
+static void AddPage(QPDF& to, const ZRPPage& page, ZRPDocument& drawn, KnownForms* known) {
+    MadePage parts;
     for (long i = 0; i < page.itemCount; ++i) {
         const ZRPItem& item = page.items[i];
-        ZRPDocument& source = item.document ? *item.document : drawn;
-        Safely(false, [&] {
-            AddItem(to, item, source.pages.at(static_cast<size_t>(item.page)), forms, states, &content);
-            return true;
-        });
+        AddItem(item, KnownForm(to, item.document ? *item.document : drawn, item.page, known), &parts);
     }
     auto resources = QPDFObjectHandle::newDictionary(), made = QPDFObjectHandle::newDictionary();
-    resources.replaceKey("/XObject", forms);
-    resources.replaceKey("/ExtGState", states);
+    resources.replaceKey("/XObject", parts.forms);
+    resources.replaceKey("/ExtGState", parts.states);
     made.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
     made.replaceKey("/MediaBox", BoxArray(page.mediaBox));
     if (page.cropBox) made.replaceKey("/CropBox", BoxArray(page.cropBox));
     made.replaceKey("/Resources", resources);
-    made.replaceKey("/Contents", QPDFObjectHandle::newStream(&to, content));
+    made.replaceKey("/Contents", QPDFObjectHandle::newStream(&to, parts.content));
     QPDFPageDocumentHelper(to).addPage(QPDFPageObjectHelper(to.makeIndirectObject(made)), /*first*/ false);
 }
 
@@ -209,7 +252,8 @@ static bool Assemble(const uint8_t* drawn, size_t n, const ZRPPage* pages, long 
         auto locks = LockSources(pages, count);
         QPDF to;
         to.emptyPDF();
-        for (long i = 0; i < count; ++i) AddPage(to, pages[i], *parts);
+        KnownForms known;
+        for (long i = 0; i < count; ++i) AddPage(to, pages[i], *parts, &known);
         QPDFWriter writer(to);
         writer.setObjectStreamMode(qpdf_o_generate);
         writer.setOutputMemory();

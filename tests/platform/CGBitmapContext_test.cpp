@@ -190,8 +190,8 @@ TEST(CGImage, DrawTiled_ScaledTiles) {
     EXPECT_EQ(bitmap.At(5, 5), kRed);
     EXPECT_EQ(bitmap.At(35, 25), kGreen);
     EXPECT_EQ(bitmap.At(35, 35), kClear);
-    CGContextDrawTiledImage(bitmap, CGRectMake(0, 0, 1e-9, 1e-9), Quarters(10));  // too small to repeat
-    EXPECT_EQ(bitmap.At(35, 35), kClear);
+    CGContextDrawTiledImage(bitmap, CGRectMake(0, 0, 1e-9, 1e-9), Quarters(10));
+    EXPECT_EQ(bitmap.At(35, 35), (Pixel{64, 64, 64, 191}));  // too small to repeat: the mean
 }
 
 TEST(CGImage, Draw_HugeScales_DoNotEndTheDrawing) {
@@ -325,4 +325,17 @@ TEST(CGLayer, Context_CanOutliveTheLayer) {
     CGLayerRelease(layer);
     CGContextFillRect(context, CGRectMake(0, 0, 5, 5));
     EXPECT_EQ(CFGetRetainCount(context), 1);
+}
+
+TEST(CGDataProvider, CreateWithData_TheCopyFails_TheDataAreReleasedAllTheSame) {
+    static int sReleases;
+    sReleases = 0;
+    auto release = [](void*, const void*, size_t) { ++sReleases; };
+    const char bytes[] = "abc";
+    EXPECT_EQ(CGDataProviderCreateWithData(nullptr, bytes, ~size_t{0}, release), nullptr);
+    EXPECT_EQ(sReleases, 1);
+    Owned<CGDataProviderRef> provider = CGDataProviderCreateWithData(nullptr, bytes, 3, release);
+    EXPECT_EQ(sReleases, 2);
+    Owned<CFDataRef> copy = CGDataProviderCopyData(provider);
+    EXPECT_EQ(BytesOf(copy), "abc");
 }

@@ -58,6 +58,22 @@ TEST(CGGradient, Linear_Options_ExtendEachEnd) {
     }
 }
 
+TEST(CGGradient, Linear_FirstAndLastLocationInside_EndsAreFilled) {
+    // From 20 to 80 with the colours at a quarter and three quarters: 35 and 65
+    const CGFloat places[] = {0.25, 0.75};
+    const CGFloat components[] = {1, 0, 0, 1, 0, 0, 1, 1};
+    Owned<CGGradientRef> gradient = CGGradientCreateWithColorComponents(RGB(), components, places, 2);
+    for (unsigned options = 0; options < 4; ++options) {
+        Bitmap bitmap(100, 10);
+        CGContextDrawLinearGradient(bitmap, gradient, {20, 0}, {80, 0}, options);
+        EXPECT_EQ(bitmap.At(10, 5), options & 1 ? kRed : kClear) << options;
+        EXPECT_EQ(bitmap.At(90, 5), options & 2 ? kBlue : kClear) << options;
+        for (int x : {22, 28, 33}) EXPECT_NEAR_PIXEL(bitmap.At(x, 5), kRed, 2) << options << " " << x;
+        for (int x : {67, 72, 77}) EXPECT_NEAR_PIXEL(bitmap.At(x, 5), kBlue, 2) << options << " " << x;
+        EXPECT_NEAR_PIXEL(bitmap.At(50, 5), (Pixel{126, 0, 129, 255}), 6) << options;
+    }
+}
+
 TEST(CGGradient, Linear_DirectionRunsUpAndUnderTheMatrix) {
     Bitmap bitmap(10, 100);
     CGContextTranslateCTM(bitmap, 0, 20);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <limits>
 
@@ -549,6 +550,133 @@ TEST(CGContext, EndlessDash_IsDrawnSolid) {
     CGContextSetLineWidth(bitmap, 4);
     Line(bitmap, -1e6, 10, 1e6, 10);
     EXPECT_EQ(bitmap.Count(), 80);
+}
+
+TEST(CGContext, FarGeometry_KeepsItsDirection) {
+    // A line, a triangle and an ellipse that run far out of the bitmap: as the part of them that is near.
+    struct {
+        const char* name;
+        double far;
+    } rows[] = {{"1e5", 1e5}, {"1e6", 1e6}, {"1e7", 1e7}, {"1e12", 1e12}};
+    auto line = [](double far) {
+        Bitmap bitmap(100, 100);
+        CGContextSetLineWidth(bitmap, 4);
+        CGContextMoveToPoint(bitmap, 0, 0);
+        CGContextAddLineToPoint(bitmap, far, far / 2);
+        CGContextStrokePath(bitmap);
+        return bitmap.Count();
+    };
+    auto triangle = [](double far, bool clip) {
+        Bitmap bitmap(100, 100);
+        CGContextMoveToPoint(bitmap, 0, 0);
+        CGContextAddLineToPoint(bitmap, far, far / 2);
+        CGContextAddLineToPoint(bitmap, far, 0);
+        CGContextClosePath(bitmap);
+        if (clip) {
+            CGContextClip(bitmap);
+            CGContextFillRect(bitmap, CGRectMake(0, 0, 100, 100));
+        } else {
+            CGContextFillPath(bitmap);
+        }
+        return bitmap.Count();
+    };
+    auto ellipse = [](double far) {  // its right edge touches x = 60
+        Bitmap bitmap(100, 100);
+        CGContextFillEllipseInRect(bitmap, CGRectMake(60 - 2 * far, 50 - far, 2 * far, 2 * far));
+        return bitmap.Count();
+    };
+    auto ring = [](double far) {  // a hole by winding: nothing is left in the middle
+        Bitmap bitmap(100, 100);
+        for (double r : {far, -far}) {
+            CGContextMoveToPoint(bitmap, -far, -r);
+            CGContextAddLineToPoint(bitmap, far, -r);
+            CGContextAddLineToPoint(bitmap, far, r);
+            CGContextAddLineToPoint(bitmap, -far, r);
+            CGContextClosePath(bitmap);
+        }
+        CGContextFillPath(bitmap);
+        return bitmap.Count();
+    };
+    for (auto& row : rows) {
+        EXPECT_NEAR(line(row.far), line(1000), 8) << row.name;
+        EXPECT_NEAR(triangle(row.far, /*clip*/ false), triangle(1000, /*clip*/ false), 8) << row.name;
+        EXPECT_NEAR(triangle(row.far, /*clip*/ true), triangle(1000, /*clip*/ true), 8) << row.name;
+        EXPECT_NEAR(ellipse(row.far), 6000, 8) << row.name;
+        EXPECT_EQ(ring(row.far), 0) << row.name;
+    }
+}
+
+TEST(CGContext, FarGeometry_InLayers_KeepsItsDirection) {
+    Bitmap bitmap(100, 100), near(100, 100);
+    auto draw = [](CGContextRef c, double far) {
+        Owned<CGLayerRef> layer = CGLayerCreateWithContext(c, {100, 100}, nullptr);
+        CGContextRef own = CGLayerGetContext(layer);
+        CGContextMoveToPoint(own, 0, 0);
+        CGContextAddLineToPoint(own, far, far / 2);
+        CGContextAddLineToPoint(own, far, 0);
+        CGContextFillPath(own);
+        CGContextDrawLayerAtPoint(c, {0, 0}, layer);
+    };
+    draw(bitmap, 1e6);
+    draw(near, 1000);
+    EXPECT_NEAR(bitmap.Count(), near.Count(), 8);
+    EXPECT_GT(near.Count(), 2000);
+}
+
+TEST(CGContext, LongDash_IsCutAndDrawn) {
+    Bitmap bitmap(100, 20);
+    std::vector<CGFloat> lengths(70000, 0);  // what counts comes behind the cut: then the line is solid
+    lengths.back() = 5;
+    CGContextSetLineDash(bitmap, 0, lengths.data(), lengths.size());
+    CGContextSetLineWidth(bitmap, 10);
+    CGContextMoveToPoint(bitmap, 0, 10);
+    CGContextAddLineToPoint(bitmap, 100, 10);
+    CGContextStrokePath(bitmap);
+    EXPECT_EQ(bitmap.Count(), 1000);
+}
+
+TEST(CGContext, WidePen_RoundJoins_AreDrawnAtOnce) {
+    auto start = std::chrono::steady_clock::now();
+    Bitmap bitmap(100, 100);
+    CGContextSetLineWidth(bitmap, 1e6);
+    CGContextSetLineJoin(bitmap, kCGLineJoinRound);
+    CGContextSetLineCap(bitmap, kCGLineCapRound);
+    for (int i = 0; i < 400; ++i) CGContextAddLineToPoint(bitmap, i % 7 * 10, i % 5 * 10);
+    CGContextMoveToPoint(bitmap, 0, 0);
+    for (int i = 0; i < 400; ++i) CGContextAddLineToPoint(bitmap, i % 7 * 10, i % 5 * 10);
+    CGContextStrokePath(bitmap);
+    EXPECT_EQ(bitmap.Count(), 10000);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
+TEST(CGContext, SmallTiles_AreDrawnAtOnce_InTheirColour) {
+    auto picture = Picture(9, 7, [](CGContextRef c) {
+        CGContextFillRect(c, CGRectMake(0, 0, 9, 7));
+        CGContextSetRGBFillColor(c, 0, 0, 1, 1);
+        CGContextFillRect(c, CGRectMake(0, 0, 9, 3.5));
+    });
+    auto start = std::chrono::steady_clock::now();
+    Bitmap page(1240, 1754);
+    CGContextDrawTiledImage(page, CGRectMake(0, 0, 5, 5), picture);
+    EXPECT_EQ(page.Count(), 1240 * 1754);
+    EXPECT_NEAR_PIXEL(page.At(2, 4), kRed, 2);
+    EXPECT_NEAR_PIXEL(page.At(1002, 1000), kBlue, 2);
+    CGContextSaveGState(page);
+    CGContextTranslateCTM(page, 1000, 1000);  // a quarter turn about (1000, 1000): x runs up
+    CGContextRotateCTM(page, M_PI / 2);
+    CGContextDrawTiledImage(page, CGRectMake(0, 0, 5, 5), picture);
+    EXPECT_NEAR_PIXEL(page.At(999, 502), kBlue, 2);
+    EXPECT_NEAR_PIXEL(page.At(996, 502), kRed, 2);
+    CGContextRotateCTM(page, 0.3);
+    CGContextDrawTiledImage(page, CGRectMake(0, 0, 5, 5), picture);
+    CGContextRestoreGState(page);
+    EXPECT_EQ(page.Count(), 1240 * 1754);
+    for (double size : {0.9, 0.3, 0.01}) {  // less than a pixel: the mean
+        CGContextDrawTiledImage(page, CGRectMake(0, 0, size, size), picture);
+        EXPECT_NEAR_PIXEL(page.At(700, 700), (Pixel{128, 0, 128, 255}), 2) << size;
+        EXPECT_NEAR_PIXEL(page.At(701, 705), (Pixel{128, 0, 128, 255}), 2) << size;
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 }
 
 TEST(CGContext, HugeRect_CoversTheBitmap) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -221,6 +222,83 @@ TEST(CGPDFContext, JPEG_StaysAsItIs) {
 
 // Documents --------------------------------------------------------------------------------------------------------
 
+TEST(CGPDFContext, OddOperation_LosesNoOtherPage) {
+    auto picture = Picture(9, 7, [](CGContextRef c) { CGContextFillRect(c, CGRectMake(1, 1, 4, 4)); });
+    struct {
+        const char* name;
+        Draw draw;
+    } rows[] = {
+        {"flat image in a layer",
+         [&](CGContextRef c) {
+             Owned<CGLayerRef> layer = CGLayerCreateWithContext(c, {200, 100}, nullptr);
+             CGContextDrawImage(CGLayerGetContext(layer), CGRectMake(10, 10, 4e6, 0.5), picture);
+             CGContextDrawLayerAtPoint(c, {0, 0}, layer);
+         }},
+        {"flat image", [&](CGContextRef c) { CGContextDrawImage(c, CGRectMake(10, 10, 4e6, 0.5), picture); }},
+        {"hair of a layer in a layer",
+         [](CGContextRef c) {
+             Owned<CGLayerRef> layer = CGLayerCreateWithContext(c, {120, 90}, nullptr),
+                               inner = CGLayerCreateWithContext(c, {30, 20}, nullptr);
+             CGContextFillRect(CGLayerGetContext(inner), CGRectMake(3, 3, 9, 9));
+             CGContextDrawLayerInRect(CGLayerGetContext(layer), CGRectMake(1e-30, -45, 1e-9, 147), inner);
+             CGContextDrawLayerAtPoint(c, {0, 0}, layer);
+         }},
+        {"far tiles cleared in a layer",
+         [&](CGContextRef c) {
+             Owned<CGLayerRef> layer = CGLayerCreateWithContext(c, {120, 90}, nullptr);
+             CGContextDrawTiledImage(CGLayerGetContext(layer), CGRectMake(32767, -49, 3, -1), picture);
+             CGContextClearRect(CGLayerGetContext(layer), CGRectMake(0.5, 83, -49, 123));
+             CGContextDrawLayerAtPoint(c, {0, 0}, layer);
+         }},
+        {"flat pen",
+         [](CGContextRef c) {
+             CGContextRotateCTM(c, -2);
+             CGContextScaleCTM(c, 1e-30, 95);
+             CGContextRotateCTM(c, 24);
+             CGContextStrokeRectWithWidth(c, CGRectMake(-19, 33, -46, 8.4e6), 38);
+         }},
+        {"nearly flat pen",
+         [](CGContextRef c) {
+             CGContextScaleCTM(c, 1e-9, 1);
+             CGContextRotateCTM(c, 1);
+             CGContextStrokeRectWithWidth(c, CGRectMake(-1e7, -1e7, 2e7, 2e7), 1e7);
+         }},
+    };
+    for (auto& row : rows) {
+        auto odd = [&](CGContextRef c) {
+            CGContextSaveGState(c);
+            row.draw(c);
+            CGContextRestoreGState(c);
+            Blue(c);
+        };
+        auto document = Open(PDF({Red, odd, Red}));
+        ASSERT_EQ(CGPDFDocumentGetNumberOfPages(document), 3u) << row.name;
+        for (size_t page = 1; page <= 3; ++page) {
+            Bitmap bitmap(200, 100);
+            CGContextDrawPDFPage(bitmap, CGPDFDocumentGetPage(document, page));
+            EXPECT_EQ(bitmap.At(page == 2 ? 120 : 20, page == 2 ? 60 : 20), page == 2 ? kBlue : kRed)
+                << row.name << " page " << page;
+        }
+    }
+}
+
+TEST(CGPDFContext, JPEG_InALayer_StaysAsItIs) {
+    auto picture = Picture(300, 200, [](CGContextRef c) {
+        for (int i = 0; i < 300; ++i) {
+            CGContextSetRGBFillColor(c, i / 300.0, i * 7 % 300 / 300.0, i * 13 % 300 / 300.0, 1);
+            CGContextFillRect(c, CGRectMake(i, i % 50, 1, 150));
+        }
+    });
+    std::string jpeg = Encode({picture}, kUTTypeJPEG);
+    auto decoded = Decode(jpeg);
+    std::string pdf = PDF({[&](CGContextRef c) {
+        Owned<CGLayerRef> layer = CGLayerCreateWithContext(c, {200, 100}, nullptr);
+        CGContextDrawImage(CGLayerGetContext(layer), CGRectMake(0, 0, 150, 100), decoded);
+        CGContextDrawLayerAtPoint(c, {0, 0}, layer);
+    }});
+    EXPECT_NE(pdf.find(jpeg), std::string::npos);
+}
+
 TEST(CGPDFDocument, Boxes_InheritFallBackAndAreCut) {
     static const struct {
         const char* entries;
@@ -399,6 +477,83 @@ TEST(CGContextDrawPDFPage, PDF_BoxOffTheOrigin) {
 }
 
 // Damage and threads -----------------------------------------------------------------------------------------------
+
+TEST(CGContextDrawPDFPage, PDF_SamePageOften_StandsInTheFileOnce) {
+    std::mt19937 random(7);
+    auto stamp = Open(PDF({[&](CGContextRef c) {
+        for (int i = 0; i < 2000; ++i) CGContextFillRect(c, CGRectMake(random() % 190, random() % 90, 3, 3));
+    }}));
+    auto stamped = [&](int times) {
+        return PDF({[&](CGContextRef c) {
+            for (int i = 0; i < times; ++i) {
+                CGContextSaveGState(c);
+                CGContextScaleCTM(c, 0.5, 0.5);
+                CGContextTranslateCTM(c, i % 3 * 10, 0);
+                CGContextDrawPDFPage(c, CGPDFDocumentGetPage(stamp, 1));
+                CGContextRestoreGState(c);
+            }
+            Red(c);
+        }});
+    };
+    std::string once = stamped(1), often = stamped(20);
+    EXPECT_LT(often.size(), once.size() * 3);
+    Bitmap one(200, 100), many(200, 100);
+    CGContextDrawPDFPage(one, CGPDFDocumentGetPage(Open(once), 1));
+    CGContextDrawPDFPage(many, CGPDFDocumentGetPage(Open(often), 1));
+    EXPECT_EQ(many.At(20, 20), kRed);
+    EXPECT_GT(many.Count(), one.Count());
+}
+
+// At least length spaces, packed 160 to 1: one as it is, then runs of 258 that repeat it
+static std::string PackedSpaces(size_t length) {
+    std::string out = "\x78\x9C";
+    uint32_t bits = 0;
+    int n = 0;
+    auto put = [&](int code, int width) {  // highest bit first
+        for (int i = width; i-- > 0;) {
+            bits |= static_cast<uint32_t>(code >> i & 1) << n;
+            if (++n == 8) out += static_cast<char>(bits), bits = 0, n = 0;
+        }
+    };
+    put(0b110, 3);
+    put(0x30 + ' ', 8);
+    uint32_t low = 1 + ' ', high = low;
+    for (size_t done = 1; done < length; done += 258) {
+        put(0xC5, 8);
+        put(0, 5);
+        for (int i = 0; i < 258; ++i) low = (low + ' ') % 65521, high = (high + low) % 65521;
+    }
+    put(0, 7);
+    if (n > 0) out += static_cast<char>(bits);
+    for (uint32_t v : {high >> 8, high, low >> 8, low}) out += static_cast<char>(v);
+    return out;
+}
+
+TEST(CGContextDrawPDFPage, PDF_ContentBeyondMeasure_IsLeftOut) {
+    // Content that swells under its filter
+    auto document = [](size_t length) {
+        std::string page = HandMade(""), packed = PackedSpaces(length);
+        size_t from = page.find("<< /Length "), to = page.find("endstream");
+        return page.replace(
+            from, to - from,
+            "<< /Filter /FlateDecode /Length " + std::to_string(packed.size()) + " >>\nstream\n" + packed + "\n");
+    };
+    auto combined = [&](size_t length) {
+        auto bomb = Open(document(length));
+        EXPECT_EQ(CGPDFDocumentGetNumberOfPages(bomb), 1U);
+        auto start = std::chrono::steady_clock::now();
+        std::string made = PDF({[&](CGContextRef c) {
+            CGContextDrawPDFPage(c, CGPDFDocumentGetPage(bomb, 1));
+            Red(c);
+        }});
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+        Bitmap bitmap(200, 100);
+        CGContextDrawPDFPage(bitmap, CGPDFDocumentGetPage(Open(made), 1));
+        EXPECT_EQ(bitmap.At(20, 20), kRed);
+    };
+    combined(1UL << 20);
+    combined(300UL << 20);
+}
 
 TEST(CGPDFDocument, DamagedFiles_NeitherCrashNorHang) {
     std::string files[] = {PDF({Red, Blue}), HandMade("/MediaBox [0 0 200 100]")};

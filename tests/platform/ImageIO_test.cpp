@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -215,33 +216,114 @@ TEST(ImageIO, TIFF_PageOfATIFF_IsCopiedAsItIs) {
     EXPECT_EQ(Drawn(image)[4 * 4], 255);
 }
 
+// A chain of pages of 1 bit a pixel, each of side x side pixels of the same bytes
+static std::string BitPages(int side, const std::string& pixels, int count, bool bigEndian) {
+    std::string out;
+    auto put = [&](size_t v, int n) {
+        for (int i = 0; i < n; ++i) out += static_cast<char>(v >> (8 * (bigEndian ? n - 1 - i : i)));
+    };
+    out += bigEndian ? "MM" : "II";
+    put(42, 2), put(8 + pixels.size(), 4);
+    out += pixels;
+    auto row = [&](size_t tag, size_t type, size_t value) {
+        put(tag, 2), put(type, 2), put(1, 4);
+        if (type == 3) put(value, 2), put(0, 2);
+        else put(value, 4);
+    };
+    auto length = static_cast<size_t>(side);
+    for (int i = 0; i < count; ++i) {
+        put(10, 2);
+        row(256, 3, length), row(257, 3, length), row(258, 3, 1), row(259, 3, 1), row(262, 3, 0);
+        row(273, 4, 8), row(274, 3, 1), row(277, 3, 1), row(278, 3, length), row(279, 4, pixels.size());
+        put(i + 1 < count ? out.size() + 4 : 0, 4);
+    }
+    return out;
+}
+
+TEST(ImageIO, TIFF_ManyPages_AreReadInTime) {
+    std::string bytes = BitPages(8, "\xF0\x0F\xF0\x0F\xF0\x0F\xF0\x0F", 8000, /*big-endian*/ false);
+    Owned<CGImageSourceRef> source = CGImageSourceCreateWithData(Data(bytes), nullptr);
+    ASSERT_EQ(CGImageSourceGetCount(source), 8000U);
+    auto start = std::chrono::steady_clock::now();
+    for (size_t i = 0; i < 8000; ++i)
+        ASSERT_NE(Owned<CGImageRef>(CGImageSourceCreateImageAtIndex(source, i, nullptr)).get(), nullptr) << i;
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+    EXPECT_EQ(CGImageSourceCreateImageAtIndex(source, 8000, nullptr), nullptr);
+}
+
+TEST(ImageIO, TIFF_ChainThatComesBack_Ends) {
+    std::string bytes = BitPages(8, "\xF0\x0F\xF0\x0F\xF0\x0F\xF0\x0F", 2, /*big-endian*/ false);
+    bytes[bytes.size() - 4] = 16;  // the first directory again
+    EXPECT_NE(Decode(bytes, 1).get(), nullptr);
+    EXPECT_EQ(Decode(bytes, 2).get(), nullptr);
+    EXPECT_EQ(Decode(bytes, 1000000).get(), nullptr);
+}
+
+TEST(ImageIO, TIFF_OnePageThatCannotBeCopied_TheOthersStillAre) {
+    std::mt19937 random(3);
+    std::string noise(800 * 100, 0);
+    for (char& c : noise) c = static_cast<char>(random());
+    auto large = Decode(BitPages(800, noise, 1, /*big-endian*/ true)),
+         other = Decode(BitPages(8, "\xF0\x0F\xF0\x0F\xF0\x0F\xF0\x0F", 1, /*big-endian*/ false));
+    std::string made = Encode({large, other, Opaque()}, kUTTypeTIFF);
+    EXPECT_NE(made.find(noise), std::string::npos);
+    EXPECT_LT(made.size(), noise.size() + 4000);
+    EXPECT_EQ(Drawn(Decode(made, 0)), Drawn(large));
+    EXPECT_EQ(Drawn(Decode(made, 1)), Drawn(other));
+    EXPECT_EQ(Drawn(Decode(made, 2)), Drawn(Opaque()));
+}
+
+// A progressive grey JPEG of side x side pixels, all alike, whose first of several scans alone has data
+static std::string ManyScans(int side, int scans) {
+    std::string out("\xFF\xD8\xFF\xDB\0\x43\0", 7);
+    out += std::string(64, 1);
+    out += std::string("\xFF\xC2\0\x0B\x08", 5);
+    for (int i = 0; i < 2; ++i) out += static_cast<char>(side >> 8), out += static_cast<char>(side);
+    out += std::string("\1\1\x11\0", 4);
+    out += std::string("\xFF\xC4\0\x14\0\1", 6) + std::string(16, '\0');  // one code, of one bit: no difference
+    const std::string scan("\xFF\xDA\0\x08\1\1\0\0\0\0", 10);
+    out += scan + std::string(static_cast<size_t>(side / 8 * (side / 8) / 8 + 1), '\0');
+    for (int i = 1; i < scans; ++i) out += scan;
+    return out + "\xFF\xD9";
+}
+
+TEST(ImageIO, JPEG_ScansOverAndOver_AreBounded) {
+    EXPECT_NE(Decode(ManyScans(4000, 4)).get(), nullptr);
+    auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(Decode(ManyScans(4000, 450)).get(), nullptr);
+    EXPECT_NE(Decode(ManyScans(160, 450)).get(), nullptr);  // small: no matter
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+// A frame whose pixels each have their own code behind a clear code
+static std::string GIFFrame(int left, int top, int w, int h, int disposal, const std::vector<int>& pixels) {
+    std::string out = "!\xF9\x04";
+    out += std::string{static_cast<char>(disposal << 2), 0, 0, 0, 0};
+    out += ",";
+    for (int v : {left, top, w, h}) PutLittle(&out, static_cast<uint32_t>(v), 2);
+    out += '\0';
+    out += '\2';  // code size; every pixel as its own code behind a clear code
+    uint32_t bits = 0;
+    int n = 0;
+    std::string block;
+    auto put = [&](uint32_t code) {
+        bits |= code << n;
+        for (n += 3; n >= 8; n -= 8, bits >>= 8) block += static_cast<char>(bits);
+    };
+    for (int p : pixels) put(4), put(static_cast<uint32_t>(p));
+    put(5);
+    if (n > 0) block += static_cast<char>(bits);
+    out += static_cast<char>(block.size());
+    return out + block + '\0';
+}
+
 TEST(ImageIO, GIF_Frames_AreComposed) {
     // 4 x 4, two colours: frame 1 fills with colour 0, frame 2 puts colour 1 at (1, 1), disposed to before;
     // frame 3 puts colour 1 at (2, 2).
     std::string bytes("GIF89a\4\0\4\0\x80\0\0", 13);
     bytes += std::string("\xFF\0\0\0\0\xFF", 6);
-    auto frame = [](int left, int top, int w, int h, int disposal, const std::vector<int>& pixels) {
-        std::string out = "!\xF9\x04";
-        out += std::string{static_cast<char>(disposal << 2), 0, 0, 0, 0};
-        out += ",";
-        for (int v : {left, top, w, h}) PutLittle(&out, static_cast<uint32_t>(v), 2);
-        out += '\0';
-        out += '\2';  // code size; every pixel as its own code behind a clear code
-        uint32_t bits = 0;
-        int n = 0;
-        std::string block;
-        auto put = [&](uint32_t code) {
-            bits |= code << n;
-            for (n += 3; n >= 8; n -= 8, bits >>= 8) block += static_cast<char>(bits);
-        };
-        for (int p : pixels) put(4), put(static_cast<uint32_t>(p));
-        put(5);
-        if (n > 0) block += static_cast<char>(bits);
-        out += static_cast<char>(block.size());
-        return out + block + '\0';
-    };
-    bytes +=
-        frame(0, 0, 4, 4, 1, std::vector<int>(16, 0)) + frame(1, 1, 1, 1, 3, {1}) + frame(2, 2, 1, 1, 1, {1}) + ";";
+    bytes += GIFFrame(0, 0, 4, 4, 1, std::vector<int>(16, 0)) + GIFFrame(1, 1, 1, 1, 3, {1}) +
+             GIFFrame(2, 2, 1, 1, 1, {1}) + ";";
     Owned<CGImageSourceRef> source = CGImageSourceCreateWithData(Data(bytes), nullptr);
     ASSERT_EQ(CGImageSourceGetCount(source), 3U);
     auto at = [&](size_t index, int x, int y) {
@@ -253,6 +335,20 @@ TEST(ImageIO, GIF_Frames_AreComposed) {
     EXPECT_EQ(at(2, 1, 1), 255);  // put back
     EXPECT_EQ(at(2, 2, 2), 0);
     EXPECT_EQ(Decode(bytes, 3).get(), nullptr);
+}
+
+TEST(ImageIO, GIF_ManySmallFramesPutBack_OnALargeScreen_TakeLittleTime) {
+    std::string bytes("GIF89a\xD0\x07\xD0\x07\x80\0\0", 13);  // 2000 x 2000
+    bytes += std::string("\xFF\0\0\0\0\xFF", 6);
+    for (int i = 0; i < 3000; ++i) bytes += GIFFrame(i % 7, 1, 1, 1, 3, {1});
+    bytes += GIFFrame(9, 9, 1, 1, 1, {1}) + ";";
+    auto start = std::chrono::steady_clock::now();
+    auto image = Decode(bytes, 3000);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    ASSERT_EQ(CGImageGetWidth(image), 2000U);
+    auto pixels = PixelsOf(image);
+    EXPECT_EQ(pixels[(9 * 2000 + 9) * 4 + 3], 255);
+    EXPECT_EQ(pixels[(1 * 2000 + 1) * 4 + 3], 0);  // put back
 }
 
 // BMP by hand ------------------------------------------------------------------------------------------------------
@@ -334,6 +430,37 @@ TEST(ImageIO, Files_WriteAndRead) {
     EXPECT_EQ(CGImageSourceCreateWithURL(FileURL("/dev/zero"), nullptr), nullptr);
     EXPECT_EQ(CGImageSourceCreateWithURL(nullptr, nullptr), nullptr);
     EXPECT_EQ(CGImageDestinationCreateWithURL(FileURL("/nowhere/at/all.png"), kUTTypePNG, 1, nullptr), nullptr);
+}
+
+TEST(ImageIO, Destination_FileStaysUntilTheNewOneIsWhole) {
+    auto folder = std::filesystem::temp_directory_path() / ("zr-kept-" + std::to_string(getpid()));
+    std::filesystem::create_directory(folder);
+    auto file = folder / "picture.png", link = folder / "link.png";
+    std::ofstream(file) << "kept";
+    std::filesystem::permissions(file, std::filesystem::perms(0640));
+    std::filesystem::create_symlink(file, link);
+    auto files = [&] {
+        return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
+    };
+    {
+        Owned<CGImageDestinationRef> dropped = CGImageDestinationCreateWithURL(FileURL(file), kUTTypePNG, 1, nullptr);
+        ASSERT_NE(dropped.get(), nullptr);
+        EXPECT_EQ(std::filesystem::file_size(file), 4U);
+        EXPECT_FALSE(CGImageDestinationFinalize(dropped));  // without a picture
+    }
+    EXPECT_EQ(std::filesystem::file_size(file), 4U);
+    EXPECT_EQ(files(), 2);  // nothing is left behind
+    {
+        Owned<CGImageDestinationRef> written = CGImageDestinationCreateWithURL(FileURL(link), kUTTypePNG, 1, nullptr);
+        CGImageDestinationAddImage(written, Opaque(), nullptr);
+        EXPECT_TRUE(CGImageDestinationFinalize(written));
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0640));
+    Owned<CGImageSourceRef> source = CGImageSourceCreateWithURL(FileURL(file), nullptr);
+    EXPECT_EQ(Drawn(Owned<CGImageRef>(CGImageSourceCreateImageAtIndex(source, 0, nullptr))), Drawn(Opaque()));
+    EXPECT_EQ(files(), 2);
+    std::filesystem::remove_all(folder);
 }
 
 TEST(ImageIO, Destination_UnknownTypeOrCount_IsNull) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 
 #include "platform/SharedObject.h"
@@ -95,4 +96,23 @@ TEST(SVGPicture, CreateDocument_IsOneVectorPage) {
     CGContextDrawPDFPage(bitmap, page);
     EXPECT_EQ(bitmap.At(39, 60), kRed);  // sharp at any scale
     EXPECT_EQ(bitmap.At(40, 60), kClear);
+}
+
+TEST(SVGPicture, Turbulence_OfVeryManyOctaves_IsBounded) {
+    auto picture = [](const char* octaves) {
+        std::string text =
+            "<svg xmlns='http://www.w3.org/2000/svg' width='200' height='200'><filter id='f'>"
+            "<feTurbulence baseFrequency='0.05' numOctaves" +
+            std::string(octaves) + "/></filter><rect width='200' height='200' filter='url(#f)'/></svg>";
+        Owned<CGImageRef> image = ZRSVGCreateImage(text.data(), static_cast<long>(text.size()), 1);
+        return image ? PixelsOf(image) : std::vector<uint8_t>();
+    };
+    auto sixteen = picture("='16'"), three = picture("='3'");
+    ASSERT_EQ(sixteen.size(), 200U * 200 * 4);
+    EXPECT_NE(three, sixteen);
+    auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(picture("='99999999'"), sixteen);
+    EXPECT_EQ(picture(" = \"0020000000\""), sixteen);
+    EXPECT_EQ(picture("='03'"), three);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }

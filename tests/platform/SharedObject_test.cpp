@@ -1,5 +1,6 @@
 #include "platform/SharedObject.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -119,6 +120,19 @@ TEST(SharedObject, FirstUse_FromManyThreads_OpensOnce) {
         for (auto& thread : threads) thread.join();
         return made == 8;
     });
+}
+
+TEST(SharedObject, LibraryFoundByARelativePath_FolderChanges_ObjectsAreFound) {
+    auto folder = std::filesystem::relative(std::filesystem::path(ZR_BINARY_DIR) / "lib");
+    setenv("LD_LIBRARY_PATH", folder.c_str(), /*overwrite*/ 1);
+    InNewProcess([] {
+        Dl_info library = {};
+        dladdr(reinterpret_cast<void*>(&ZRSharedObjectGetTable), &library);
+        bool relative = library.dli_fname && library.dli_fname[0] != '/';
+        return relative && chdir("/") == 0 && ZRSharedObjectGetState(kZRObjectGraphics)->available &&
+               ZRSharedObjectGetState(kZRObjectPDF)->available;
+    });
+    unsetenv("LD_LIBRARY_PATH");
 }
 
 TEST(SharedObject, GetState_OutsideOfTheList_IsNull) {
