@@ -8,7 +8,9 @@
 #include <numbers>
 
 #include "bench/BenchSupport.h"
+#include "core/ZR_API_Picture.h"
 #include "graphics/ZR_API_Device.h"
+#include "graphics/ZR_API_Gradient.h"
 #include "graphics/ZR_API_Path.h"
 #include "graphics/ZR_API_SVGDocument.h"
 
@@ -89,6 +91,63 @@ void OurPath(ZR_Device* d, int i) {
                 nullptr, ZR_FILL_NONZERO);
 }
 
+constexpr int kLong = 1000;  // records of a long path
+ZR_Point LongPoint(int i) {
+    return {static_cast<float>(i) * 500 / kLong, 256 + static_cast<float>(i * 37 % 200 - 100)};
+}
+ZR_Handle* LongLine() {
+    static ZR_Handle path = [] {
+        ZR_Handle made;
+        ZR_CreatePathHandle(&made);
+        ZR_AddPathMove(&made, 0, 256);
+        for (int i = 1; i < kLong; i++) ZR_AddPathLine(&made, LongPoint(i).x, LongPoint(i).y);
+        return made;
+    }();
+    return &path;
+}
+void OurLongPath(ZR_Device* d, int) {
+    ZR_Rect bounds;
+    ZR_GetPathBoundingBox(LongLine(), &bounds);
+    ZR_Rect target = bounds;
+    d->DrawPath(false, LongLine(), &target, &bounds, false, true, nullptr, &gBlue, 1, true, nullptr, nullptr, nullptr,
+                nullptr, nullptr, ZR_FILL_NONZERO);
+}
+void OurGradient(ZR_Device* d, int i) {
+    static ZR_Gradient gradient = [] {
+        ZR_Gradient made;
+        made.Create(ZR_GRADIENT_PERCENT);
+        made.x2 = 100;
+        made.AddOffset(0, &gRed);
+        made.AddOffset(1, &gBlue);
+        return made;
+    }();
+    ZR_Rect r = Place(i);
+    d->DrawRect(&r, true, false, &gRed, nullptr, 1, true, 0, false, nullptr, &gradient, nullptr, nullptr);
+}
+void OurClipped(ZR_Device* d, int i) {  // a group of four shapes in a clip of its own
+    ZR_Rect clip = Place(i);
+    d->ClipRect(&clip);
+    for (int k = 0; k < 4; k++) OurOval(d, i + k);
+}
+constexpr int kPicture = 64;  // pixels a side
+void OurPicture(ZR_Device* d, int i) {
+    static ZR_Picture picture = [] {
+        ZR_Device source;
+        ZR_Picture made;
+        made.Create();
+        if (!source.CreateOffscreen(kPicture, kPicture, true, 0, 0)) return made;
+        ZR_Rect r = {10, 10, 50, 50};
+        source.DrawOval(&r, true, false, &gRed, nullptr, 1, true, nullptr, nullptr, nullptr, nullptr);
+        made.Create(&source, ZR_PICT_PNG);
+        source.Dispose();
+        return made;
+    }();
+    ZR_Rect r = Place(i);
+    r.right = r.left + kPicture, r.bottom = r.top + kPicture;
+    picture.displayFormat = 2;
+    picture.Draw(d, &r, 100, nullptr, ZR_ALIGNMENT_LEFT, nullptr);
+}
+
 void Source(cairo_t* c, bool fill) { cairo_set_source_rgba(c, fill ? 1 : 0, 0, fill ? 0 : 1, 1); }
 void TheirRectangle(cairo_t* c, const ZR_Rect& r) {
     cairo_rectangle(c, r.left, r.top, r.right - r.left, r.bottom - r.top);
@@ -138,6 +197,45 @@ void TheirPath(cairo_t* c, int i) {
     cairo_line_to(c, x(0), y(100));
     cairo_close_path(c);
     FillAndStroke(c, 1);
+}
+
+void TheirLongPath(cairo_t* c, int) {
+    cairo_move_to(c, 0, 256);
+    for (int i = 1; i < kLong; i++) cairo_line_to(c, LongPoint(i).x, LongPoint(i).y);
+    Source(c, false);
+    cairo_set_line_width(c, 1);
+    cairo_stroke(c);
+}
+void TheirGradient(cairo_t* c, int i) {
+    const ZR_Rect r = Place(i);
+    cairo_pattern_t* pattern = cairo_pattern_create_linear(r.left, r.top, r.right, r.top);
+    cairo_pattern_add_color_stop_rgba(pattern, 0, 1, 0, 0, 1);
+    cairo_pattern_add_color_stop_rgba(pattern, 1, 0, 0, 1, 1);
+    cairo_set_source(c, pattern);
+    TheirRectangle(c, r);
+    cairo_fill(c);
+    cairo_pattern_destroy(pattern);
+}
+void TheirClipped(cairo_t* c, int i) {
+    cairo_save(c);
+    TheirRectangle(c, Place(i));
+    cairo_clip(c);
+    for (int k = 0; k < 4; k++) TheirOval(c, i + k);
+    cairo_restore(c);
+}
+void TheirPicture(cairo_t* c, int i) {
+    static cairo_surface_t* picture = [] {
+        cairo_surface_t* made = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kPicture, kPicture);
+        cairo_t* on = cairo_create(made);
+        Source(on, true);
+        cairo_arc(on, 30, 30, 20, 0, 2 * std::numbers::pi);
+        cairo_fill(on);
+        cairo_destroy(on);
+        return made;
+    }();
+    const ZR_Rect r = Place(i);
+    cairo_set_source_surface(c, picture, r.left, r.top);
+    cairo_paint(c);
 }
 
 // Pixels: a shape a round ----------------------------------------------------------------------------------------
@@ -198,11 +296,17 @@ BOTH(Pixels, Stroked);
 BOTH(Pixels, Oval);
 BOTH(Pixels, Line);
 BOTH(Pixels, Path);
+BOTH(Pixels, LongPath);
+BOTH(Pixels, Gradient);
+BOTH(Pixels, Clipped);
+BOTH(Pixels, Picture);
 BOTH(Svg, Rect);
 BOTH(Svg, Stroked);
 BOTH(Svg, Oval);
 BOTH(Svg, Line);
 BOTH(Svg, Path);
+BOTH(Svg, Gradient);
+BOTH(Svg, Clipped);
 
 // The document, call by call -------------------------------------------------------------------------------------
 
