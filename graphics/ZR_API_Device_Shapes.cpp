@@ -93,8 +93,9 @@ static void RectSvg(ZR_Device* device, const ZR_Rect* rect, float radius, bool r
     device->svg->SetAttributeDouble(&element, "y", rect->top);
     device->svg->SetAttributeDouble(&element, "width", rect->right - rect->left);
     device->svg->SetAttributeDouble(&element, "height", rect->bottom - rect->top);
-    device->svg->SetAttributeText(&element, "fill", "none");
-    if (rounded && radius > 0) {
+    const bool hasCorners = rounded && radius > 0;
+    if (hasCorners || !ZR_WritesFill(paint)) device->svg->SetAttributeText(&element, "fill", "none");
+    if (hasCorners) {
         device->svg->SetAttributeDouble(&element, "rx", radius * 0.5);
         device->svg->SetAttributeDouble(&element, "ry", radius * 0.5);
     }
@@ -207,7 +208,7 @@ static void OvalSvg(ZR_Device* device, const ZR_Rect* rect, const ZR_ShapePaint*
     device->svg->SetAttributeDouble(&element, "cy", (rect->top + rect->bottom) / 2);
     device->svg->SetAttributeDouble(&element, "rx", (rect->right - rect->left) / 2);
     device->svg->SetAttributeDouble(&element, "ry", (rect->bottom - rect->top) / 2);
-    device->svg->SetAttributeText(&element, "fill", "none");
+    if (!ZR_WritesFill(paint)) device->svg->SetAttributeText(&element, "fill", "none");
     ZR_PaintFill(device, &element, paint);
     ZR_PaintStroke(device, &element, paint);
     ZR_CloseElement(device, &element, paint->matrix);

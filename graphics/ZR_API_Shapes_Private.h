@@ -32,6 +32,10 @@ ZR_ShapePaint ZR_MakePaint(bool fill, bool stroke, ZR_RGBColor* fillColor, ZR_RG
 
 // SVG --------------------------------------------------------------------------------------------------------------
 ZR_Text ZR_OpenElement(ZR_Device* device, const char* name, ZR_Handle* properties);  // a child of the root; handed over
+// Whether ZR_PaintFill writes "fill": then it takes the place of the "none" that would stand there before it.
+inline bool ZR_WritesFill(const ZR_ShapePaint* paint) {
+    return paint->fill && (!paint->gradient || paint->gradient->stops.count > 0);
+}
 void ZR_PaintFill(ZR_Device* device, ZR_Text* element, const ZR_ShapePaint* paint);  // gradient, else colour
 void ZR_PaintStroke(ZR_Device* device, ZR_Text* element, const ZR_ShapePaint* paint);
 void ZR_CloseElement(ZR_Device* device, ZR_Text* element, ZR_Matrix* matrix);  // transform and clip; disposes element
