@@ -61,18 +61,24 @@ static void FlushLocked() {
     gOutput.first = gOutput.last = 0;
 }
 
-// The buffer goes out, then the signal does what it does.
+// The buffer goes out, then the signal does what it does. All signals wait meanwhile: a second one, as a time limit
+// sends to the process and to its group, must not end the process before the buffer is out.
 static void EndBySignal(int number) {
     size_t first = gOutput.first, last = gOutput.last;
     if (first < last) (void)!write(STDOUT_FILENO, gOutput.bytes + first, last - first);
-    raise(number);
+    gOutput.first = last;
+    struct sigaction usual = {};
+    usual.sa_handler = SIG_DFL;
+    sigaction(number, &usual, nullptr);
+    raise(number);  // when this returns
 }
 
 static void TakeSignal(int number) {
     struct sigaction action = {};
     if (sigaction(number, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) return;
     action.sa_handler = EndBySignal;
-    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+    action.sa_flags = 0;
+    sigfillset(&action.sa_mask);
     sigaction(number, &action, nullptr);
 }
 
